@@ -1,0 +1,275 @@
+#include "Gateway.h"
+
+#include "Database.h"
+#include "JetDialect.h"
+#include "SqlText.h"
+
+#include "platform/Prompter.h"
+#include "platform/VbError.h"
+
+#include <QRegularExpression>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <cmath>
+
+Connection Conn;
+
+namespace {
+const QString ErrorTitle = QStringLiteral("系统错误");
+const QString UpdateFailed = QStringLiteral("更新数据库时出现系统错误，错误信息：");
+const QString ReadFailed = QStringLiteral("读取数据库时出现系统错误，错误信息：");
+
+SalePrinter g_salePrinter;
+
+bool isPlainNumber(const QString &text)
+{
+    static const QRegularExpression number(
+        QStringLiteral(R"(^\s*[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?\s*$)"));
+    return number.match(text).hasMatch();
+}
+
+// The single table a plain "select ... from T [where ...]" reads, so that an update of
+// its snapshot can be written back; empty for joins and anything else.
+QString singleTable(const QString &engineSql)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral(R"(^\s*select\s.*?\sfrom\s+([A-Za-z_][A-Za-z0-9_]*)\s*(where\s.*|order\s.*|group\s.*)?$)"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    const auto m = pattern.match(engineSql);
+    return m.hasMatch() ? m.captured(1) : QString();
+}
+
+// Rounded to the nearest whole number, halves to even, as sums are read everywhere.
+qint32 toLong(const QVariant &v)
+{
+    bool ok = false;
+    const double d = v.toDouble(&ok);
+    if (!ok || !std::isfinite(d))
+        return 0;
+    const double r = std::nearbyint(d);
+    if (r > 2147483647.0 || r < -2147483648.0)
+        return 0;
+    return static_cast<qint32>(r);
+}
+
+// Runs an engine statement and keeps all its rows; nullptr with the engine's text in *error.
+RecordsetPtr snapshot(const QString &engineSql, QString *error)
+{
+    QSqlQuery q(Database::connection());
+    q.setForwardOnly(true);
+    if (!q.exec(engineSql)) {
+        *error = q.lastError().text();
+        return nullptr;
+    }
+    QStringList fields;
+    const QSqlRecord rec = q.record();
+    for (int i = 0; i < rec.count(); ++i)
+        fields << rec.fieldName(i);
+    QVector<Recordset::Row> rows;
+    while (q.next()) {
+        Recordset::Row row(fields.size());
+        for (int i = 0; i < fields.size(); ++i)
+            row[i] = q.value(i);
+        rows.append(std::move(row));
+    }
+    return std::make_shared<Recordset>(fields, std::move(rows), singleTable(engineSql), Database::connection());
+}
+}
+
+bool Gateway::prepareStatement(const QString &sql, QString *engineSql, QString *error)
+{
+    QString plain;
+    plain.reserve(sql.size());
+    for (qsizetype i = 0; i < sql.size(); ++i) {
+        const QChar c = sql.at(i);
+        if (c != Sql::TextOpen && c != Sql::NumberOpen) {
+            if (c == Sql::TextClose || c == Sql::NumberClose) {
+                *error = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
+                return false;
+            }
+            plain.append(c);
+            continue;
+        }
+        const QChar close = c == Sql::TextOpen ? Sql::TextClose : Sql::NumberClose;
+        const qsizetype end = sql.indexOf(close, i + 1);
+        if (end < 0) {
+            *error = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
+            return false;
+        }
+        const QString value = sql.mid(i + 1, end - i - 1);
+        for (const QChar m : {Sql::TextOpen, Sql::TextClose, Sql::NumberOpen, Sql::NumberClose}) {
+            if (value.contains(m)) {
+                *error = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
+                return false;
+            }
+        }
+        if (c == Sql::TextOpen && value.contains(QLatin1Char('\''))) {
+            *error = QStringLiteral("字符串的语法错误 在查询表达式 '%1' 中。").arg(value);
+            return false;
+        }
+        if (c == Sql::NumberOpen && !isPlainNumber(value)) {
+            *error = QStringLiteral("查询表达式 '%1' 中的语法错误 (操作符丢失)。").arg(value);
+            return false;
+        }
+        plain.append(value);
+        i = end;
+    }
+    *engineSql = JetDialect::translate(plain, JetDialect::Target::SQLite);
+    return true;
+}
+
+bool Connection::BeginTrans()
+{
+    m_inTransaction = Database::connection().transaction();
+    return m_inTransaction;
+}
+
+bool Connection::CommitTrans()
+{
+    m_inTransaction = false;
+    return Database::connection().commit();
+}
+
+bool Connection::RollbackTrans()
+{
+    m_inTransaction = false;
+    return Database::connection().rollback();
+}
+
+void OpenDatabase()
+{
+    QString error;
+    if (!Database::open(Database::defaultPath(), &error))
+        throw VbError(-2147467259, error);
+}
+
+bool ExecuteSql(const QString &sql)
+{
+    QString engineSql, error;
+    if (Gateway::prepareStatement(sql, &engineSql, &error)) {
+        QSqlQuery q(Database::connection());
+        if (q.exec(engineSql))
+            return true;
+        error = q.lastError().text();
+    }
+    Msg::error(UpdateFailed + error, ErrorTitle);
+    return false;
+}
+
+RecordsetPtr OpenRecordset(const QString &sql)
+{
+    QString engineSql, error;
+    if (Gateway::prepareStatement(sql, &engineSql, &error)) {
+        if (RecordsetPtr rs = snapshot(engineSql, &error))
+            return rs;
+    }
+    Msg::error(ReadFailed + error, ErrorTitle);
+    return nullptr;
+}
+
+bool CheckUnique(const QString &table, const QString &field, const QString &value, int kind,
+                 qint64 currentID)
+{
+    QString sql;
+    if (kind == 0)
+        sql = QStringLiteral("select * from ") + table + QStringLiteral(" where ") + field
+              + QStringLiteral(" ='") + Sql::text(value) + QStringLiteral("'");
+    else if (kind == 1 || kind == 3)
+        sql = QStringLiteral("select * from ") + table + QStringLiteral(" where ") + field
+              + QStringLiteral(" =") + Sql::number(value);
+    RecordsetPtr rs = OpenRecordset(sql);
+    if (!rs)
+        return false;
+    if (rs->recordCount() < 1)
+        return true;
+    if (currentID == 0)
+        return false;
+    rs->moveFirst();
+    return rs->field(QStringLiteral("ID")).toLongLong() == currentID;
+}
+
+qint32 GetMinValue(const QString &table, const QString &field)
+{
+    RecordsetPtr rs = OpenRecordset(QStringLiteral("select min(") + field
+                                    + QStringLiteral(") as NewField from ") + table);
+    if (!rs || rs->eof())
+        return 0;
+    return toLong(rs->field(QStringLiteral("NewField")));
+}
+
+QString GetFieldByID(qint64 id, const QString &table, const QString &field)
+{
+    RecordsetPtr rs = OpenRecordset(QStringLiteral("select * from ") + table
+                                    + QStringLiteral(" where ID=") + QString::number(id));
+    if (!rs || rs->eof())
+        return QString();
+    return rs->text(field);
+}
+
+qint32 GetSumValue(const QString &table, const QString &where, const QString &field)
+{
+    QString sql = QStringLiteral("select sum(") + field + QStringLiteral(") as TotalValue from ") + table;
+    if (!where.isEmpty())
+        sql += where;
+    RecordsetPtr rs = OpenRecordset(sql);
+    if (!rs || rs->eof())
+        return 0;
+    return toLong(rs->field(QStringLiteral("TotalValue")));
+}
+
+QString GetSysValue(const QString &name)
+{
+    RecordsetPtr rs = OpenRecordset(QStringLiteral("Select * from SysValue where Name='")
+                                    + Sql::text(name) + QStringLiteral("'"));
+    if (!rs)
+        throw VbError::objectNotSet();
+    if (rs->recordCount() < 1)
+        return QString();
+    rs->moveFirst();
+    return rs->text(QStringLiteral("myValue"));
+}
+
+void SetSysValue(const QString &name, const QString &value)
+{
+    RecordsetPtr rs = OpenRecordset(QStringLiteral("Select * from SysValue where Name='")
+                                    + Sql::text(name) + QStringLiteral("'"));
+    if (!rs)
+        throw VbError::objectNotSet();
+    if (rs->recordCount() > 0) {
+        // The one row changed through its snapshot rather than through statement text.
+        rs->moveFirst();
+        rs->setField(QStringLiteral("MyValue"), value);
+        if (!rs->update())
+            Msg::error(UpdateFailed + rs->lastError(), ErrorTitle);
+        return;
+    }
+    ExecuteSql(QStringLiteral("insert into Sysvalue(Name,myValue) values('") + Sql::text(name)
+               + QStringLiteral("','") + Sql::text(value) + QStringLiteral("')"));
+}
+
+qint32 GetCustomerIDByAccount(const QString &account)
+{
+    RecordsetPtr rs = OpenRecordset(QStringLiteral("Select * from customer where Account=")
+                                    + Sql::number(account));
+    if (!rs)
+        throw VbError::objectNotSet();
+    if (rs->recordCount() < 1)
+        return 0;
+    rs->moveFirst();
+    return toLong(rs->field(QStringLiteral("ID")));
+}
+
+void setSalePrinter(SalePrinter printer) { g_salePrinter = std::move(printer); }
+
+void PreviewSale(qint32 saleID)
+{
+    if (g_salePrinter)
+        g_salePrinter(saleID, true);
+}
+
+void PrintSale(qint32 saleID)
+{
+    if (g_salePrinter)
+        g_salePrinter(saleID, false);
+}
