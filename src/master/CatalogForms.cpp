@@ -1,0 +1,7 @@
+#include "CatalogForms.h"
+
+#include "platform/Forms.h"
+
+void registerCatalogForms()
+{
+}

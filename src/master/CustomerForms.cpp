@@ -1,0 +1,7 @@
+#include "CustomerForms.h"
+
+#include "platform/Forms.h"
+
+void registerCustomerForms()
+{
+}

@@ -1,0 +1,7 @@
+#include "PrintForms.h"
+
+#include "platform/Forms.h"
+
+void registerPrintForms()
+{
+}

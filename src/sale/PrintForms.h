@@ -1,0 +1,4 @@
+#pragma once
+
+// Puts the windows of this group (rptSale,frmSalePrintSetup,frmSaleFilter) into the forms registry.
+void registerPrintForms();

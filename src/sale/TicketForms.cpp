@@ -1,0 +1,7 @@
+#include "TicketForms.h"
+
+#include "platform/Forms.h"
+
+void registerTicketForms()
+{
+}

@@ -1,0 +1,4 @@
+#pragma once
+
+// Puts the windows of this group (frmSale) into the forms registry.
+void registerTicketForms();

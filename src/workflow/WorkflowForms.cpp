@@ -1,0 +1,7 @@
+#include "WorkflowForms.h"
+
+#include "platform/Forms.h"
+
+void registerWorkflowForms()
+{
+}
