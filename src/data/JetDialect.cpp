@@ -261,6 +261,7 @@ public:
 private:
     QStringView text(const Token &t) const { return m_s.mid(t.begin, t.end - t.begin); }
 
+    QString separated(const Token &t, QString literal) const;
     Level level(int depth);
     void addName(std::vector<Item> &items, QString text, bool simple);
     void addGroup(std::vector<Item> &items, Level inner);
@@ -302,12 +303,12 @@ Level Translator::level(int depth)
         case Tok::Date: {
             bool valid = false;
             QString lit = dateLiteral(tx.mid(1, tx.size() - 2), m_target, &valid);
-            items.push_back({Cls::Atom, std::move(lit), valid});
+            items.push_back({Cls::Atom, separated(t, std::move(lit)), valid});
             break;
         }
         case Tok::Hash: {
             bool valid = false;
-            items.push_back({Cls::Other, dateLiteral(QStringView(), m_target, &valid)});
+            items.push_back({Cls::Other, separated(t, dateLiteral(QStringView(), m_target, &valid))});
             break;
         }
         case Tok::Open:
@@ -347,6 +348,17 @@ Level Translator::level(int depth)
     }
     result.text = join(items);
     return result;
+}
+
+// A literal made from a date keeps apart from a quote or date written right beside it:
+// '2026-01-05''x' would read as one text.
+QString Translator::separated(const Token &t, QString literal) const
+{
+    if (t.begin > 0 && m_s[t.begin - 1] == u'\'')
+        literal.prepend(QLatin1Char(' '));
+    if (t.end < m_s.size() && (m_s[t.end] == u'\'' || m_s[t.end] == u'#'))
+        literal.append(QLatin1Char(' '));
+    return literal;
 }
 
 // A word or quoted name; one that follows "name." directly joins it as a qualified name.

@@ -1,0 +1,219 @@
+#include "data/JetDialect.h"
+
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QtTest>
+
+using JetDialect::Target;
+
+namespace {
+bool opensQuote(QChar c) { return c == u'\'' || c == u'"' || c == u'`' || c == u'['; }
+
+// A statement as the engine's lexer sees it: the quoted pieces, and the rest with each quoted
+// piece (and with dates, each #date#) standing as one ' mark.
+struct Lexed {
+    QStringList quoted;
+    QString outside;
+    bool open = false;
+};
+
+Lexed lex(const QString &s, bool dates)
+{
+    Lexed r;
+    for (qsizetype i = 0; i < s.size();) {
+        const QChar c = s[i];
+        if (dates && c == u'#') {
+            qsizetype k = i + 1;
+            while (k < s.size() && s[k] != u'#' && !opensQuote(s[k]))
+                ++k;
+            if (k < s.size() && s[k] == u'#') {
+                r.outside += u'\'';
+                i = k + 1;
+                continue;
+            }
+        }
+        if (!opensQuote(c)) {
+            r.outside += c;
+            ++i;
+            continue;
+        }
+        const QChar close = c == u'[' ? QChar(u']') : c;
+        qsizetype j = s.indexOf(close, i + 1);
+        while (j >= 0 && c != u'[' && j + 1 < s.size() && s[j + 1] == close)
+            j = s.indexOf(close, j + 2);
+        if (j < 0) {
+            r.open = true;
+            return r;
+        }
+        r.quoted << s.mid(i, j + 1 - i);
+        r.outside += u'\'';
+        i = j + 1;
+    }
+    return r;
+}
+
+bool isSubsequence(const QStringList &part, const QStringList &whole)
+{
+    qsizetype k = 0;
+    for (const QString &w : whole)
+        if (k < part.size() && part[k] == w)
+            ++k;
+    return k == part.size();
+}
+
+const char *const Pieces[] = {
+    "#", "#", "&", "&", "'", "''", "\"", "[", "]", "`", "(", ")", "-", "/", "*", "+", ",", " ",
+    " ", "=", "<=", ">", ":", "0", "1", "2", "5", "11", "2026", "a", "Sale", ".", "Year", "month",
+    "DAY", "AM", "pm", "年", "\n", "Like", "%", "--", "/*", " and ", " Desc", "#2026-1-5#"};
+
+const char *const Corpus[] = {
+    "select Sum(TotalAmount) as SumAmount,Year(CreateDate) & '年' & Month(CreateDate) &'月' as ReportDate "
+    "from Sale WHERE CreateDate>=#2026-1-1# and CreateDate<=#12/31/2026# Group by Year(CreateDate) & '年' & "
+    "Month(CreateDate) &'月' ORDER BY Year(CreateDate) & '年' & Month(CreateDate) &'月' Desc ",
+    "INSERT INTO Call(PhoneNumber,CreateDate) values ('139 # & ''x',#11/5/2026 3:04:05 PM#)",
+    "SELECT a.ID as ID,a.CreateDate as CallDate FROM Call a LEFT OUTER JOIN Customer b ON a.PhoneNumber=b.Phone",
+    "select count(*) as TotalRows from Sale where FinishFlag='0' and (TotalAmount-OutAmount>0) And CreateDate<=#2026/11/5#",
+    "Select * from Customer where Status='1' AND  Address Like '%幸福%'",
+    "select sum(Sale_detail.MyAmount) from Sale,Sale_Detail where ((Sale_Detail.IsContainer='0') or "
+    "(Sale.TotalContainer-Sale.InContainer>0)) and Sale.CreateDate <=#2026-11-05#  AND Sale.StationID=1"};
+
+class Fuzzer {
+public:
+    QString random()
+    {
+        QString s;
+        for (int n = int(m_rng.bounded(40)); n > 0; --n)
+            s += piece();
+        return s;
+    }
+    QString mutated()
+    {
+        QString s = QString::fromUtf8(Corpus[m_rng.bounded(int(std::size(Corpus)))]);
+        for (int n = 1 + int(m_rng.bounded(4)); n > 0; --n) {
+            const qsizetype at = m_rng.bounded(int(s.size()) + 1);
+            switch (m_rng.bounded(3)) {
+            case 0: s.insert(at, piece()); break;
+            case 1: s.remove(at, m_rng.bounded(6)); break;
+            default: s.insert(at, s.mid(m_rng.bounded(int(s.size()) + 1), m_rng.bounded(20)));
+            }
+        }
+        return s;
+    }
+    int bounded(int n) { return int(m_rng.bounded(n)); }
+
+private:
+    QString piece() { return QString::fromUtf8(Pieces[m_rng.bounded(int(std::size(Pieces)))]); }
+    QRandomGenerator m_rng{20261105u};
+};
+
+// What must hold for any statement, whatever its shape.
+void checkInvariants(const QString &in, Target target)
+{
+    const QString out = JetDialect::translate(in, target);
+    const Lexed li = lex(in, true), lo = lex(out, false);
+    QVERIFY2(li.open == lo.open, qPrintable(in));
+    QVERIFY2(isSubsequence(li.quoted, lo.quoted), qPrintable(in));
+    QVERIFY2(!lo.outside.contains(u'&'), qPrintable(in));
+    QVERIFY2(!lo.outside.contains(u"--") && !lo.outside.contains(u"/*"), qPrintable(in));
+    for (qsizetype i = lo.outside.indexOf(u'#'); i >= 0; i = lo.outside.indexOf(u'#', i + 1))
+        QVERIFY2(target == Target::SQLite && lo.outside.mid(i + 1, 1) == u"'", qPrintable(in));
+    if (!li.open)
+        QVERIFY2(li.outside.count(u'(') - li.outside.count(u')')
+                     == lo.outside.count(u'(') - lo.outside.count(u')'), qPrintable(in));
+    const QString plain = lex(in, false).outside.toLower();
+    if (target == Target::SQLite && !plain.contains(u'#') && !plain.contains(u'&')
+        && !plain.contains(u"--") && !plain.contains(u"/*") && !plain.contains(u"year")
+        && !plain.contains(u"month") && !plain.contains(u"day"))
+        QCOMPARE(out, in);
+}
+}
+
+class TestJetDialectFuzz : public QObject {
+    Q_OBJECT
+private slots:
+    void randomAndMutatedStatements()
+    {
+        Fuzzer fuzz;
+        QElapsedTimer clock;
+        clock.start();
+        int n = 0;
+        for (; n < 200000 && clock.elapsed() < 15000; ++n) {
+            const QString in = n % 2 ? fuzz.random() : fuzz.mutated();
+            checkInvariants(in, Target::SQLite);
+            checkInvariants(in, Target::PostgreSQL);
+            if (QTest::currentTestFailed())
+                return;
+        }
+        qInfo("%d statements", n);
+        QVERIFY(n >= 10000);
+    }
+
+    // Dates of every form, possible or not, against the calendar; a sample goes to the engine,
+    // which must refuse exactly those that are not dates.
+    void datesAgainstCalendar()
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("fuzz"));
+        db.setDatabaseName(QStringLiteral(":memory:"));
+        QVERIFY(db.open());
+        QVERIFY(QSqlQuery(db).exec(QStringLiteral("CREATE TABLE Sale (ID INTEGER, CreateDate TEXT)")));
+        Fuzzer fuzz;
+        int refused = 0;
+        for (int n = 0; n < 20000; ++n) {
+            const int y = fuzz.bounded(4) ? 1995 + fuzz.bounded(40) : fuzz.bounded(10001);
+            const int m = fuzz.bounded(15), d = fuzz.bounded(33);
+            const int h = fuzz.bounded(26), mi = fuzz.bounded(62), s = fuzz.bounded(62);
+            const int form = fuzz.bounded(4), timeForm = fuzz.bounded(4), half = fuzz.bounded(3);
+            const QString ys = QString::number(y), sep = form % 2 ? "/" : "-";
+            QString text = form < 2 ? ys + sep + QString::number(m) + sep + QString::number(d)
+                                    : QString::number(m) + sep + QString::number(d) + sep + ys;
+            int hour = h;
+            bool valid = ys.size() == 4 && QDate(y, m, d).isValid();
+            if (timeForm > 0) {
+                text += QStringLiteral(" %1:%2").arg(h).arg(mi, 2, 10, QLatin1Char('0'))
+                        + (timeForm > 1 ? ":" + QString::number(s) : QString());
+                if (half > 0) {
+                    text += half == 1 ? " AM" : " pm";
+                    valid = valid && h <= 12;
+                    hour = h % 12 + (half == 2 ? 12 : 0);
+                }
+            }
+            const QTime time(hour, timeForm > 0 ? mi : 0, timeForm > 1 ? s : 0);
+            valid = valid && (timeForm == 0 || time.isValid());
+            const QString expected = !valid ? "#'" + text + "'"
+                : "'" + QDate(y, m, d).toString(u"yyyy-MM-dd")
+                      + (timeForm > 0 && time != QTime(0, 0) ? time.toString(u" HH:mm:ss") : QString()) + "'";
+            const QString out = JetDialect::translate("CreateDate=#" + text + "#", Target::SQLite);
+            QCOMPARE(out, "CreateDate=" + expected);
+            if (n % 10 == 0) {
+                QSqlQuery q(db);
+                QCOMPARE(q.exec("select count(*) from Sale where 0 and " + out), valid);
+                refused += valid ? 0 : 1;
+            }
+        }
+        QVERIFY(refused > 100);
+    }
+
+    // Long hostile statements take time in proportion to their length.
+    void longStatements_data()
+    {
+        QTest::addColumn<QString>("unit");
+        for (const char *unit : {"((", "))", "#'#'", "##", "a&", "Year(", "'", "--"})
+            QTest::newRow(unit) << QString::fromLatin1(unit);
+    }
+    void longStatements()
+    {
+        QFETCH(QString, unit);
+        const QString in = unit.repeated(200000 / unit.size());
+        QElapsedTimer clock;
+        clock.start();
+        const QString out = JetDialect::translate(in, Target::SQLite);
+        QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(out.size() <= 20 * in.size());
+        checkInvariants(in.left(5000), Target::SQLite);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestJetDialectFuzz)
+#include "tst_jetdialect_fuzz.moc"
