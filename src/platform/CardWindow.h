@@ -1,0 +1,27 @@
+#pragma once
+#include <QDialog>
+
+// A card window of the list-and-card pattern. The opener sets mActionType (1 new, 2 edit)
+// and mCurID before showing it; the card's load step reads them when it is first shown.
+// Closing the card in any way unloads it, so the next opening starts afresh.
+class CardWindow : public QDialog {
+    Q_OBJECT
+    Q_PROPERTY(int mActionType MEMBER mActionType)
+    Q_PROPERTY(int mCurID MEMBER mCurID)
+public:
+    using QDialog::QDialog;
+
+    int mActionType = 0;
+    int mCurID = 0;
+
+protected:
+    // The load step, run once, when the window is first shown.
+    virtual void Form_Load() = 0;
+    // Unloads the card from inside its load step, once its dialog loop runs.
+    void unloadLater();
+    void showEvent(QShowEvent *event) override;
+    void reject() override;
+
+private:
+    bool m_loaded = false;
+};

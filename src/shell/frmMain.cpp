@@ -1,0 +1,309 @@
+#include "frmMain.h"
+
+#include "CommandBar.h"
+#include "Shell.h"
+#include "ToolState.h"
+
+#include "data/Gateway.h"
+#include "data/Session.h"
+#include "platform/Forms.h"
+#include "platform/Modal.h"
+#include "platform/Prompter.h"
+#include "platform/VbRules.h"
+
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QDir>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QTableView>
+#include <QUrl>
+
+frmMain::frmMain()
+{
+    setObjectName("frmMain");
+    setWindowTitle(Shell::programTitle());
+    setWindowIcon(QIcon(QStringLiteral(":/tarvik/icons/48/emblem-package.png")));
+    resize(1100, 720);
+
+    m_mdi = new QMdiArea(this);
+    m_mdi->setObjectName("mdiArea");
+    m_mdi->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_mdi->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(m_mdi);
+
+    m_bar = new CommandBar(this);
+    buildMainCommandBar(*m_bar);
+    connect(m_bar, &CommandBar::toolClick, this, &frmMain::ToolClick);
+
+    Forms::setActiveChildProvider([this]() -> QWidget * {
+        QMdiSubWindow *sub = m_mdi->activeSubWindow();
+        if (!sub && !m_mdi->subWindowList().isEmpty())
+            sub = m_mdi->currentSubWindow();
+        return sub ? sub->widget() : nullptr;
+    });
+    setToolStateHandler([this](const QString &name) { ToolState::apply(*m_bar, name); });
+    // The tools follow the list window that comes to the front; leaving one changes nothing.
+    connect(m_mdi, &QMdiArea::subWindowActivated, this, [](QMdiSubWindow *sub) {
+        if (sub && sub->widget())
+            SetToolState(sub->widget()->objectName());
+    });
+    Form_Load();
+}
+
+frmMain::~frmMain()
+{
+    Forms::setActiveChildProvider(nullptr);
+    setToolStateHandler(nullptr);
+}
+
+QString frmMain::homePage() { return QStringLiteral("http://www.tarvik.cn"); }
+
+void frmMain::Form_Load()
+{
+    showChild("frmSaleAdmin");
+    SetRights(Session::UserID);
+    // Its load opens the telephone line; it stays hidden until the settings tool is pressed.
+    Forms::get("frmSystemSetup");
+}
+
+void frmMain::showChild(const QString &name)
+{
+    QWidget *form = Forms::get(name);
+    if (!form)
+        return;
+    for (QMdiSubWindow *sub : m_mdi->subWindowList()) {
+        if (sub->widget() == form) {
+            sub->showNormal();
+            m_mdi->setActiveSubWindow(sub);
+            return;
+        }
+    }
+    QMdiSubWindow *sub = m_mdi->addSubWindow(form);
+    sub->setAttribute(Qt::WA_DeleteOnClose);
+    sub->setWindowIcon(form->windowIcon());
+    form->show();
+    sub->show();
+    m_mdi->setActiveSubWindow(sub);
+}
+
+void frmMain::callChild(const char *procedure)
+{
+    // With no child in front, or one without the procedure, there is nothing to act on.
+    Forms::call(Forms::activeChild(), procedure);
+}
+
+void frmMain::ToolClick(const QString &tool)
+{
+    static const QHash<QString, const char *> childProcedures = {
+        {"tlInMoney", "InMoney"},       {"tlInAllMoney", "InAllMoney"},
+        {"tlOutMoney", "OutMoney"},     {"tlOutAllMoney", "OutAllMoney"},
+        {"tlOutAmount", "OutAmount"},   {"tlOutAllAmount", "OutAllAmount"},
+        {"tlInAmount", "InAmount"},     {"tlInAllAmount", "InAllAmount"},
+        {"tlInContainer", "InContainer"}, {"tlInAllContainer", "InAllContainer"},
+        {"tlOutContainer", "OutContainer"}, {"tlOutAllContainer", "OutAllContainer"},
+        {"tlFinish", "FinishToday"},    {"tlAdd", "AddNew"},
+        {"tlEdit", "EditData"},         {"tlDel", "DeleteData"},
+        {"tlDelAll", "DeleteAll"},      {"tlRefresh", "DataRefresh"},
+        {"tlFilter", "ShowFilter"},     {"tlPrintSale", "PrintSale"},
+        {"tlPrintPreview", "PrintPreview"}, {"tlPrint", "PrintReport"},
+    };
+    static const QHash<QString, QString> plainWindows = {
+        {"tlCustomerAdmin", "frmCustomerAdmin"}, {"tlStoreAdmin", "frmStoreAdmin"},
+        {"tlMoneyAdmin", "frmMoneyAdmin"},       {"tlAmountAdmin", "frmAmountAdmin"},
+        {"tlContainerAdmin", "frmContainerAdmin"}, {"tlTodayReport", "frmTodayReport"},
+        {"mnuHistoryCall", "frmHistoryCall"},
+    };
+    static const QHash<QString, QString> modalWindows = {
+        {"tlSenderAdmin", "frmSenderAdmin"}, {"tlProductAdmin", "frmProductAdmin"},
+        {"tlChangePwd", "frmChangePwd"},     {"tlSysConfigure", "frmSystemSetup"},
+        {"tlSalePrintSetup", "frmSalePrintSetup"}, {"tlAbout", "frmAbout"},
+    };
+    static const QStringList reportModes = {"mnuDayReport",   "mnuCustDayReport",
+                                            "mnuSenderDayReport", "mnuMonthReport",
+                                            "mnuCustMonthReport", "mnuSenderMonthReport"};
+
+    if (tool == "tlExit") {
+        Shell::endProgram();
+    } else if (tool == "tlUserAdmin") {
+        Modal::exec(Forms::get("frmUserAdmin"));
+        // The operator's own rights may have changed.
+        SetRights(Session::UserID);
+    } else if (modalWindows.contains(tool)) {
+        Modal::exec(Forms::get(modalWindows.value(tool)));
+    } else if (tool == "tlSysReset") {
+        Forms::call(Forms::get("frmSystemSetup"), "ResetSystem");
+    } else if (tool == "tlClearUser") {
+        clearUser();
+    } else if (tool == "tlSaleAdmin") {
+        // The sale list stays open behind the others: closing what is in front reaches it.
+        QWidget *child = Forms::activeChild();
+        if (child && child->objectName() != "frmSaleAdmin")
+            Forms::unload(child);
+    } else if (plainWindows.contains(tool)) {
+        showChild(plainWindows.value(tool));
+    } else if (childProcedures.contains(tool)) {
+        callChild(childProcedures.value(tool));
+    } else if (tool == "tlChart") {
+        showChart();
+    } else if (reportModes.contains(tool)) {
+        showReport(int(reportModes.indexOf(tool)));
+    } else if (tool == "tlCascade") {
+        m_mdi->cascadeSubWindows();
+    } else if (tool == "tlTileHorizontal" || tool == "tlTileVertical") {
+        m_mdi->tileSubWindows();
+    } else if (tool == "tlArrangeIcons") {
+        // Minimised windows line up along the bottom edge.
+        int x = 0;
+        for (QMdiSubWindow *sub : m_mdi->subWindowList()) {
+            if (!sub->isMinimized())
+                continue;
+            sub->move(x, m_mdi->viewport()->height() - sub->height());
+            x += sub->width();
+        }
+    } else if (tool == "tlNext") {
+        NextRow();
+    } else if (tool == "tlPrevious") {
+        PreviousRow();
+    } else if (tool == "tlFirst") {
+        FirstRow();
+    } else if (tool == "tlLast") {
+        LastRow();
+    } else if (tool == "tlPrintSetup") {
+        printSetup();
+    } else if (tool == "tlShowNavigator") {
+        m_bar->setBandVisible("barNavigator", true);
+        m_bar->recalcLayout();
+    } else if (tool == "tlHomePage") {
+        QDesktopServices::openUrl(QUrl(homePage()));
+    }
+    // tlHelp, tlSysLog, tlGrpStationAdmin and any other name do nothing.
+}
+
+void frmMain::clearUser()
+{
+    if (Msg::box(QStringLiteral("清理用户"),
+                 QStringLiteral("你确认要清理所有在线用户吗？执行此操作后所有用户都需重新登入系统！"),
+                 QMessageBox::Critical, QMessageBox::Yes | QMessageBox::No)
+        != QMessageBox::Yes)
+        return;
+    SetSysValue("MaxOnlineUsers", "1");
+    Msg::box(Shell::programTitle(), QStringLiteral("清理成功，系统将重启！"), QMessageBox::NoIcon,
+             QMessageBox::Ok);
+    Shell::endProgram();
+}
+
+void frmMain::showChart()
+{
+    QWidget *child = Forms::activeChild();
+    QWidget *chart = Forms::get("frmChart");
+    if (!chart)
+        return;
+    chart->setProperty("curChartCaption", child ? child->property("curReportCaption") : QVariant());
+    Modal::exec(chart);
+}
+
+namespace {
+QString boundText(QWidget *form, const char *name)
+{
+    QWidget *w = form->findChild<QWidget *>(name);
+    if (!w)
+        return QString();
+    const QVariant bound = w->property("BoundText");
+    if (bound.isValid())
+        return bound.toString();
+    const QVariant data = w->property("currentData");
+    return data.toString();
+}
+
+QString fieldText(QWidget *form, const char *name)
+{
+    QWidget *w = form->findChild<QWidget *>(name);
+    return w ? w->property("text").toString() : QString();
+}
+}
+
+void frmMain::showReport(int mode)
+{
+    QWidget *setup = Forms::get("frmSetReport");
+    if (!setup)
+        return;
+    setup->setProperty("curReportType", mode);
+    Modal::exec(setup);
+    if (!setup->property("mResult").toBool())
+        return;
+    QWidget *report = Forms::get("frmReport");
+    if (!report) {
+        Forms::unload(setup);
+        return;
+    }
+    report->setProperty("curReportType", setup->property("curReportType"));
+    if (mode == 1 || mode == 4)
+        report->setProperty("mCurID", GetCustomerIDByAccount(fieldText(setup, "txtAccount")));
+    else if (mode == 2 || mode == 5)
+        report->setProperty("mCurID", int(Val(boundText(setup, "cmbSender"))));
+    report->setProperty("curReportStart", CDate(fieldText(setup, "txtStartDate")));
+    report->setProperty("curReportEnd", CDate(fieldText(setup, "txtEndDate")));
+    report->setProperty("curStationID", int(Val(boundText(setup, "cmbStation"))));
+    Forms::unload(setup);
+    showChild("frmReport");
+}
+
+QTableView *frmMain::activeGrid() const
+{
+    QWidget *child = Forms::activeChild();
+    return child ? child->findChild<QTableView *>("dbgMain") : nullptr;
+}
+
+void frmMain::moveRow(int step)
+{
+    QTableView *grid = activeGrid();
+    if (!grid || !grid->model())
+        return;
+    const int rows = grid->model()->rowCount();
+    if (rows == 0)
+        return;
+    const QModelIndex current = grid->currentIndex();
+    int row = current.isValid() ? current.row() : 0;
+    switch (step) {
+    case 1: row = qMin(row + 1, rows - 1); break;   // stays on the last row
+    case -1: row = qMax(row - 1, 0); break;         // stays on the first row
+    case 2: row = rows - 1; break;
+    default: row = 0; break;
+    }
+    const int column = current.isValid() ? current.column() : 0;
+    const QModelIndex target = grid->model()->index(row, column);
+    grid->selectionModel()->setCurrentIndex(
+        target, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    grid->scrollTo(target);
+}
+
+void frmMain::NextRow() { moveRow(1); }
+void frmMain::PreviousRow() { moveRow(-1); }
+void frmMain::FirstRow() { moveRow(0); }
+void frmMain::LastRow() { moveRow(2); }
+
+void frmMain::printSetup()
+{
+    QTableView *grid = activeGrid();
+    if (grid && grid->metaObject()->indexOfMethod("PageSetup()") >= 0
+        && QMetaObject::invokeMethod(grid, "PageSetup"))
+        return;
+    // No grid in front: the printer dialog, in its set-up form.
+    QPrinter printer;
+    QPrintDialog cdlMain(&printer, this);
+    cdlMain.setObjectName("cdlMain");
+    cdlMain.setWindowTitle(QStringLiteral("打印设置"));
+    cdlMain.setOption(QAbstractPrintDialog::PrintToFile, false);
+    Modal::exec(&cdlMain);
+}
+
+void frmMain::closeEvent(QCloseEvent *event)
+{
+    const double online = Val(GetSysValue("MaxOnlineUsers")) - 1;
+    SetSysValue("MaxOnlineUsers", NumText(online));
+    event->accept();
+    Shell::endProgram();
+}

@@ -1,0 +1,12 @@
+#pragma once
+#include "platform/AdminList.h"
+
+// The operators, enabled and disabled, with their remarks.
+class frmUserAdmin : public AdminListWindow {
+    Q_OBJECT
+public:
+    frmUserAdmin();
+
+protected:
+    QList<Row> listRows() override;
+};
