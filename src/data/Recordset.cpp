@@ -93,6 +93,11 @@ bool Recordset::setBookmark(Bookmark bookmark)
     return true;
 }
 
+Recordset::Bookmark Recordset::bookmarkAt(int position) const
+{
+    return position >= 0 && position < m_view.size() ? m_view[position] : -1;
+}
+
 std::shared_ptr<Recordset> Recordset::clone() const
 {
     return std::shared_ptr<Recordset>(new Recordset(m_data));

@@ -30,6 +30,7 @@ public:
 
     Bookmark bookmark() const;            // the current row, stable across filters and clones
     bool setBookmark(Bookmark bookmark);  // false when that row is not visible
+    Bookmark bookmarkAt(int position) const; // of a visible row, without moving; -1 outside
 
     // A second cursor over the same rows: it sees updates made through either.
     std::shared_ptr<Recordset> clone() const;

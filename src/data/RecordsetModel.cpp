@@ -1,5 +1,9 @@
 #include "RecordsetModel.h"
 
+#include "platform/GridRoles.h"
+
+#include <QSize>
+
 RecordsetModel::RecordsetModel(QObject *parent) : QAbstractTableModel(parent) {}
 
 void RecordsetModel::setColumns(QList<GridColumn> columns)
@@ -55,6 +59,8 @@ QVariant RecordsetModel::data(const QModelIndex &index, int role) const
         return v;
     case Qt::TextAlignmentRole:
         return int(column.alignment);
+    case GridRole::Bookmark:
+        return m_rs->bookmarkAt(index.row());
     default:
         return QVariant();
     }
@@ -68,7 +74,26 @@ QVariant RecordsetModel::headerData(int section, Qt::Orientation orientation, in
         return m_columns[section].caption;
     if (role == Qt::TextAlignmentRole)
         return int(Qt::AlignCenter);
+    if (role == GridRole::DataField)
+        return m_columns[section].field;
+    if (role == Qt::SizeHintRole)
+        return QSize(m_columns[section].visible ? twipsToPixels(m_columns[section].widthTwips) : 0, -1);
     return QVariant();
+}
+
+QModelIndexList RecordsetModel::match(const QModelIndex &start, int role, const QVariant &value, int hits,
+                                      Qt::MatchFlags flags) const
+{
+    if (role != GridRole::Bookmark || !m_rs)
+        return QAbstractTableModel::match(start, role, value, hits, flags);
+    const int bookmark = value.toInt();
+    // Unfiltered snapshots keep bookmarks in row order.
+    if (m_rs->bookmarkAt(bookmark) == bookmark)
+        return {index(bookmark, qMax(0, start.column()))};
+    for (int row = 0; row < m_rs->recordCount(); ++row)
+        if (m_rs->bookmarkAt(row) == bookmark)
+            return {index(row, qMax(0, start.column()))};
+    return {};
 }
 
 int RecordsetModel::twipsToPixels(int twips) { return (twips + 7) / 15; }

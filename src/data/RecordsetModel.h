@@ -18,6 +18,8 @@ struct GridColumn {
 
 // A read-only table model over a snapshot. Rows are the snapshot's visible rows; the
 // snapshot's own cursor is left alone, so a window can keep a clone for its operations.
+// Besides the display text it answers what a list grid asks (platform/GridRoles.h): each
+// column's field and width in pixels, each row's bookmark.
 class RecordsetModel : public QAbstractTableModel {
     Q_OBJECT
 public:
@@ -35,6 +37,9 @@ public:
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    // Finds rows by bookmark (GridRole::Bookmark) without walking the whole snapshot.
+    QModelIndexList match(const QModelIndex &start, int role, const QVariant &value, int hits = 1,
+                          Qt::MatchFlags flags = Qt::MatchFlags(Qt::MatchStartsWith | Qt::MatchWrap)) const override;
 
     static int twipsToPixels(int twips);
 
