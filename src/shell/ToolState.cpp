@@ -118,7 +118,7 @@ void ToolState::apply(CommandBar &bar, const QString &formName)
 
 void SetRights(qint16 userID)
 {
-    auto *main = qobject_cast<frmMain *>(Forms::loaded("frmMain"));
+    frmMain *main = frmMain::current();
     if (!main)
         return;
     const QString roleString = GetFieldByID(userID, "SysUser", "rolestring");

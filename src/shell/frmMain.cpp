@@ -21,8 +21,15 @@
 #include <QTableView>
 #include <QUrl>
 
+namespace {
+frmMain *g_current = nullptr;
+}
+
+frmMain *frmMain::current() { return g_current; }
+
 frmMain::frmMain()
 {
+    g_current = this;
     setObjectName("frmMain");
     setWindowTitle(Shell::programTitle());
     setWindowIcon(QIcon(QStringLiteral(":/tarvik/icons/48/emblem-package.png")));
@@ -55,6 +62,8 @@ frmMain::frmMain()
 
 frmMain::~frmMain()
 {
+    if (g_current == this)
+        g_current = nullptr;
     Forms::setActiveChildProvider(nullptr);
     setToolStateHandler(nullptr);
 }

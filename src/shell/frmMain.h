@@ -15,6 +15,8 @@ public:
 
     CommandBar *acbMain() const { return m_bar; }
     QMdiArea *mdiArea() const { return m_mdi; }
+    // The main window while it exists (during its own load too).
+    static frmMain *current();
     // The address behind tlHomePage.
     static QString homePage();
 
