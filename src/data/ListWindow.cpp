@@ -71,7 +71,7 @@ void ListWindow::DataRefresh()
     if (row >= 0)
         dbgMain->setCurrentRow(row);
     else if (!dbgMain->setBookmark(curBookmark))
-        dbgMain->MoveFirst();
+        dbgMain->setCurrentRow(qMax(curBookmark, 0)); // as near to where it was as the rows allow
 }
 
 // One direction for the whole window: every click flips it, whichever head was clicked.

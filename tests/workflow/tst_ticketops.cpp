@@ -1,0 +1,274 @@
+#include "TicketFixture.h"
+
+#include "support/ScriptedPrompter.h"
+
+#include "platform/Forms.h"
+#include "workflow/WorkflowForms.h"
+#include "workflow/frmSaleAdmin.h"
+
+#include <QtTest>
+
+using namespace Fixture;
+
+// Messages expected in order, with the button each is answered with.
+using Script = QList<QPair<QString, QMessageBox::StandardButton>>;
+Q_DECLARE_METATYPE(Script)
+
+namespace {
+constexpr auto Yes = QMessageBox::Yes;
+constexpr auto No = QMessageBox::No;
+constexpr auto Ok = QMessageBox::Ok;
+
+// The figures of ticket 1 as stored: OutAmount, InMoney, InContainer.
+QString figures(TestDb &db)
+{
+    return QStringLiteral("%1/%2/%3")
+        .arg(db.scalar("SELECT OutAmount FROM Sale WHERE ID=1").toDouble())
+        .arg(db.scalar("SELECT InMoney FROM Sale WHERE ID=1").toDouble())
+        .arg(db.scalar("SELECT InContainer FROM Sale WHERE ID=1").toDouble());
+}
+}
+
+class TestTicketOps : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void singleTicket_data();
+    void singleTicket();
+    void noRowAsksForOne_data();
+    void noRowAsksForOne();
+    void bulkReachesHiddenTickets_data();
+    void bulkReachesHiddenTickets();
+    void deleteOneTicket();
+    void deleteAll_data();
+    void deleteAll();
+
+private:
+    frmSaleAdmin *list() { return Forms::get<frmSaleAdmin>("frmSaleAdmin"); }
+    std::unique_ptr<TestDb> db;
+};
+
+void TestTicketOps::initTestCase() { registerWorkflowForms(); }
+
+void TestTicketOps::init()
+{
+    Clock::set(QDateTime(Today, QTime(10, 0)));
+    db = std::make_unique<TestDb>();
+    QVERIFY(db->ok());
+    customer(*db, 1, "东大街1号");
+    autoRefresh(true);
+}
+
+void TestTicketOps::cleanup()
+{
+    Forms::unloadAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    db.reset();
+}
+
+// Ticket 1 is ordered 3, owes 50 and 2 empties unless the row says otherwise; the figures
+// afterwards are OutAmount/InMoney/InContainer.
+void TestTicketOps::singleTicket_data()
+{
+    QTest::addColumn<QString>("procedure");
+    QTest::addColumn<Ticket>("t");
+    QTest::addColumn<Script>("script");
+    QTest::addColumn<QString>("after");
+
+    const Ticket open{1, "2026-11-23", 3, 0, 50, 0, 2, 0};
+    const Ticket partPaid{1, "2026-11-23", 3, 0, 50, 20, 2, 0};
+    const Ticket overpaid{1, "2026-11-23", 3, 0, 50, 60, 2, 0};
+    const Ticket closed{1, "2026-11-23", 3, 3, 50, 50, 2, 2, "1"};
+    const Ticket oddFlag{1, "2026-11-23", 3, 0, 50, 20, 2, 0, "x"};
+    const Ticket done{1, "2026-11-23", 3, 3, 50, 50, 2, 2};
+    const QString notCollectable = "该单据已经入帐或已经收款成功，不能再收款！";
+
+    QTest::newRow("collect names the whole amount")
+        << "InMoney" << partPaid << Script{{"成功收到1号单据销售款：人民币50元！", Ok}} << "0/50/0";
+    QTest::newRow("collect overpaid refused") << "InMoney" << overpaid << Script{{notCollectable, Ok}} << "0/60/0";
+    QTest::newRow("collect closed refused") << "InMoney" << closed << Script{{notCollectable, Ok}} << "3/50/2";
+    QTest::newRow("refund yes") << "OutMoney" << partPaid << Script{{"你确认要为单据：1办理退款?", Yes}} << "0/0/0";
+    QTest::newRow("refund no") << "OutMoney" << partPaid << Script{{"你确认要为单据：1办理退款?", No}} << "0/20/0";
+    QTest::newRow("refund closed refused")
+        << "OutMoney" << closed << Script{{"该单据已经入帐不能再退款！", Ok}} << "3/50/2";
+    QTest::newRow("refund odd flag runs") << "OutMoney" << oddFlag << Script{{"你确认要为单据：1办理退款?", Yes}}
+                                          << "0/0/0";
+    QTest::newRow("deliver") << "OutAmount" << open << Script{} << "3/0/0";
+    QTest::newRow("deliver again is silent") << "OutAmount" << done << Script{} << "3/50/2";
+    QTest::newRow("deliver closed refused") << "OutAmount" << closed << Script{{"单据已入帐！", Ok}} << "3/50/2";
+    QTest::newRow("deliver odd flag refused") << "OutAmount" << oddFlag << Script{{"单据已入帐！", Ok}} << "0/20/0";
+    QTest::newRow("take back goods yes")
+        << "InAmount" << done << Script{{"你确认要撤销原始单据号为1的单据出库吗？", Yes}} << "0/50/2";
+    QTest::newRow("take back goods closed refused")
+        << "InAmount" << closed << Script{{"此单据已被审核入帐，不能再重置！", Ok}} << "3/50/2";
+    QTest::newRow("empties back") << "InContainer" << open << Script{} << "0/0/2";
+    QTest::newRow("empties owed no")
+        << "OutContainer" << done << Script{{"你确认要撤销对原始单据号为1的单据回收空瓶吗？", No}} << "3/50/2";
+    QTest::newRow("empties owed yes")
+        << "OutContainer" << done << Script{{"你确认要撤销对原始单据号为1的单据回收空瓶吗？", Yes}} << "3/50/0";
+}
+
+void TestTicketOps::singleTicket()
+{
+    QFETCH(QString, procedure);
+    QFETCH(Ticket, t);
+    QFETCH(Script, script);
+    QFETCH(QString, after);
+    ticket(*db, t);
+    auto *w = list();
+    QCOMPARE(w->currentTicket(), QStringLiteral("1"));
+    ScriptedPrompter prompts;
+    for (const auto &[text, answer] : script)
+        prompts.expect(text, answer);
+    QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(figures(*db), after);
+    // The list shows what the database now holds.
+    QCOMPARE(QStringLiteral("%1/%2/%3").arg(w->dbgMain->model()->index(0, 6).data().toString(),
+                                            w->dbgMain->model()->index(0, 4).data().toString(),
+                                            w->dbgMain->model()->index(0, 8).data().toString()),
+             after);
+}
+
+void TestTicketOps::noRowAsksForOne_data()
+{
+    QTest::addColumn<QString>("procedure");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("InMoney") << "InMoney" << "收款失败" << "请先选定要处理的单据！";
+    QTest::newRow("OutMoney") << "OutMoney" << "退款失败" << "请先选定要处理的单据！";
+    QTest::newRow("OutAmount") << "OutAmount" << "提示" << "请先选定要处理的单据！";
+    QTest::newRow("InAmount") << "InAmount" << "提示" << "请先选定您要重置的单据！";
+    QTest::newRow("InContainer") << "InContainer" << "提示" << "请先选定要处理的单据！";
+    QTest::newRow("OutContainer") << "OutContainer" << "提示" << "请先选定您要重置的单据！";
+    QTest::newRow("DeleteData") << "DeleteData" << "提示" << "请先选定您要删除或作废的单据！";
+}
+
+void TestTicketOps::noRowAsksForOne()
+{
+    QFETCH(QString, procedure);
+    QFETCH(QString, title);
+    QFETCH(QString, text);
+    auto *w = list();
+    ScriptedPrompter prompts;
+    prompts.expect(text);
+    QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(prompts.last().title, title);
+    QCOMPARE(prompts.last().icon, QMessageBox::Information);
+}
+
+// Bulk operations ignore the row and the filter: every open ticket in the table changes,
+// closed ones never.
+void TestTicketOps::bulkReachesHiddenTickets_data()
+{
+    QTest::addColumn<QString>("procedure");
+    QTest::addColumn<Script>("script");
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QList<double>>("values"); // tickets 1 (shown), 2 (hidden), 3 (closed)
+    QTest::newRow("collect all")
+        << "InAllMoney"
+        << Script{{"你确认要为所有未入帐单据办理收款吗？", Yes}, {"所有未入帐单据收款成功！", Ok}} << "InMoney"
+        << QList<double>{50, 40, 5};
+    QTest::newRow("collect all, no")
+        << "InAllMoney" << Script{{"你确认要为所有未入帐单据办理收款吗？", No}} << "InMoney"
+        << QList<double>{0, 0, 5};
+    QTest::newRow("refund all") << "OutAllMoney" << Script{{"你确认要为所有未入帐单据办理退款吗？", Yes}}
+                                << "InMoney" << QList<double>{0, 0, 5};
+    QTest::newRow("deliver all") << "OutAllAmount" << Script{{"你要对所有未入库单据进行出库操作？", Yes}}
+                                 << "OutAmount" << QList<double>{3, 4, 1};
+    QTest::newRow("take back all") << "InAllAmount" << Script{{"你确认要搞撤销对所有未入帐单据的出库吗？", Yes}}
+                                   << "OutAmount" << QList<double>{0, 0, 1};
+    QTest::newRow("empties all") << "InAllContainer" << Script{{"你要对所有未入库单据进行回收空瓶操作？", Yes}}
+                                 << "InContainer" << QList<double>{2, 1, 0};
+    QTest::newRow("empties owed all")
+        << "OutAllContainer" << Script{{"你确认要搞撤销对所有未入帐单据的空瓶回收吗？", Yes}} << "InContainer"
+        << QList<double>{0, 0, 0};
+}
+
+void TestTicketOps::bulkReachesHiddenTickets()
+{
+    QFETCH(QString, procedure);
+    QFETCH(Script, script);
+    QFETCH(QString, field);
+    QFETCH(QList<double>, values);
+    ticket(*db, {1, "2026-11-23", 3, 0, 50, 0, 2, 0});
+    ticket(*db, {2, "2026-11-01", 4, 0, 40, 0, 1, 0});
+    ticket(*db, {3, "2026-11-01", 1, 1, 9, 5, 1, 0, "1"});
+    auto *w = list();
+    w->setProperty("curFilterSQL", QStringLiteral(" and Sale.ID=1"));
+    w->DataRefresh();
+    QCOMPARE(w->dbgMain->model()->rowCount(), 1);
+
+    ScriptedPrompter prompts;
+    for (const auto &[text, answer] : script)
+        prompts.expect(text, answer);
+    QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
+    VERIFY_PROMPTS(prompts);
+    QList<double> stored;
+    for (int id = 1; id <= 3; ++id)
+        stored << db->scalar(QStringLiteral("SELECT %1 FROM Sale WHERE ID=%2").arg(field).arg(id)).toDouble();
+    QCOMPARE(stored, values);
+}
+
+void TestTicketOps::deleteOneTicket()
+{
+    ticket(*db, {1, "2026-11-23", 3, 0, 50, 0, 2, 0});
+    ticket(*db, {2, "2026-11-23", 3, 0, 50, 0, 2, 0, "1"});
+    auto *w = list();
+    w->dbgMain->setCurrentRow(0); // the closed ticket 2 comes first
+    ScriptedPrompter prompts;
+    prompts.expect("此单据已被审核入帐，不能再删除！");
+    w->DeleteData();
+    w->dbgMain->setCurrentRow(1);
+    prompts.expect("你确认要删除原始单据号为1的单据吗？", Yes);
+    w->DeleteData();
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(db->count("Sale"), 1);
+    QCOMPARE(db->count("Sale_detail", "SaleID=1"), 0);
+    QCOMPARE(db->count("Sale_detail", "SaleID=2"), 1);
+    QCOMPARE(w->dbgMain->model()->rowCount(), 1);
+}
+
+// Two questions; only Yes to both deletes, and only the open tickets with their lines.
+void TestTicketOps::deleteAll_data()
+{
+    QTest::addColumn<Script>("script");
+    QTest::addColumn<int>("tickets");
+    QTest::addColumn<int>("lines");
+    const QString first = "你确认要删除所有未入帐单据吗？？";
+    const QString second = "共找到 2条未入帐单据，你确认要删除吗？";
+    QTest::newRow("no at first") << Script{{first, No}} << 3 << 3;
+    QTest::newRow("no at second") << Script{{first, Yes}, {second, No}} << 3 << 3;
+    QTest::newRow("yes to both") << Script{{first, Yes}, {second, Yes}} << 1 << 1;
+}
+
+void TestTicketOps::deleteAll()
+{
+    QFETCH(Script, script);
+    QFETCH(int, tickets);
+    QFETCH(int, lines);
+    ticket(*db, {1, "2026-11-23", 3, 0, 50, 0, 2, 0});
+    ticket(*db, {2, "2026-10-01", 3, 0, 50, 0, 2, 0});
+    ticket(*db, {3, "2026-11-23", 3, 3, 50, 50, 2, 2, "1"});
+    auto *w = list();
+    // A ticket saved elsewhere since the last refresh shows up after either answer.
+    ticket(*db, {4, "2026-11-23", 1, 1, 1, 1, 0, 0, "1"});
+    ScriptedPrompter prompts;
+    for (const auto &[text, answer] : script)
+        prompts.expect(text, answer);
+    w->DeleteAll();
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(db->count("Sale", "ID<>4"), tickets);
+    QCOMPARE(db->count("Sale_detail", "SaleID<>4"), lines);
+    QVERIFY(!Conn.inTransaction());
+    QCOMPARE(w->dbgMain->model()->rowCount(), tickets + 1);
+    if (script.size() == 2)
+        QCOMPARE(prompts.last().icon, QMessageBox::Critical);
+}
+
+QTEST_MAIN(TestTicketOps)
+#include "tst_ticketops.moc"
