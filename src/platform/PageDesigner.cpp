@@ -93,7 +93,7 @@ void PageDesigner::paintEvent(QPaintEvent *)
         const bool chosen = f.name == m_selected;
         p.setPen(QPen(chosen ? QColor(0, 90, 200) : QColor(150, 150, 150), 1,
                       f.visible ? Qt::SolidLine : Qt::DotLine));
-        p.setBrush(chosen ? QColor(225, 238, 255) : Qt::NoBrush);
+        p.setBrush(chosen ? QBrush(QColor(225, 238, 255)) : QBrush(Qt::NoBrush));
         p.drawRect(area);
 
         QFont font = f.font();
