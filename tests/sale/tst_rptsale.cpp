@@ -1,3 +1,4 @@
+#include "data/Gateway.h"
 #include "platform/Forms.h"
 #include "platform/PageDesigner.h"
 #include "platform/PageLayout.h"
@@ -12,7 +13,9 @@
 #include <QFile>
 #include <QFontDialog>
 #include <QMouseEvent>
+#include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
@@ -116,6 +119,7 @@ private slots:
     void missingTicketIsReported();
     void layoutFile_data();
     void layoutFile();
+    void gatewayDoors();
     void designerMovesHidesAndSaves();
     void closingAChangedLayoutAsks_data();
     void closingAChangedLayoutAsks();
@@ -230,6 +234,29 @@ void TestRptSale::layoutFile()
     VERIFY_PROMPTS(prompter);
 }
 
+void TestRptSale::gatewayDoors()
+{
+    TestDb db;
+    ScriptedPrompter prompter;
+    const int sale = addTicket(db, 1, 1, {{"甲气", 100}}, 100);
+    ModalScript script;
+    QString shownTitle;
+    script.on("rptSale", [&](QWidget *w) {
+        shownTitle = w->windowTitle();
+        QVERIFY(qobject_cast<QPrintPreviewDialog *>(w));
+        w->close();
+    });
+    PreviewSale(sale);
+    VERIFY_MODALS(script);
+    QCOMPARE(shownTitle, QStringLiteral("单据打印"));
+
+    if (!QPrinterInfo::defaultPrinter().isNull())
+        QSKIP("this machine has a printer; the ticket would really print");
+    prompter.expect(QStringLiteral("没有找到默认打印机"), QMessageBox::Ok, true);
+    PrintSale(sale);
+    VERIFY_PROMPTS(prompter);
+}
+
 void TestRptSale::designerMovesHidesAndSaves()
 {
     TestDb db;
@@ -293,6 +320,11 @@ void TestRptSale::designerMovesHidesAndSaves()
     QVERIFY(op->underline);
     QVERIFY(chosen.bold() && !op->bold);
     QVERIFY(!reloaded.layout().field("txtDetail")->visible);
+    // Every ticket prints in bold Song whatever the layout says; the size stays the shop's.
+    reloaded.mCurID = sale;
+    QVERIFY(reloaded.ReportStart());
+    op = reloaded.layout().field("txtOperator");
+    QVERIFY(op->bold && op->fontName == QStringLiteral("宋体") && op->fontSize == 16.0);
 
     QVERIFY(printToPdf(db, sale));
     const QString text = pdfText(db);
