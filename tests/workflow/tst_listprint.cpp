@@ -1,0 +1,193 @@
+#include "TicketFixture.h"
+
+#include "support/ModalScript.h"
+#include "support/ScriptedPrompter.h"
+
+#include "data/Session.h"
+#include "platform/Forms.h"
+#include "platform/GridPrinter.h"
+#include "workflow/WorkflowForms.h"
+#include "workflow/frmSaleAdmin.h"
+
+#include <QPrintPreviewWidget>
+#include <QPrinterInfo>
+#include <QRegularExpression>
+#include <QtTest>
+
+using namespace Fixture;
+
+class TestListPrint : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void headerAndFooterSections_data();
+    void headerAndFooterSections();
+    void pagesOfAList_data();
+    void pagesOfAList();
+    void printedFileHasThePlannedPages();
+    void previewOpensMaximisedAtFullSize();
+    void printWithoutPrinterSaysSo();
+
+private:
+    frmSaleAdmin *withTickets(int count);
+    std::unique_ptr<TestDb> db;
+    QTemporaryDir out;
+};
+
+void TestListPrint::initTestCase() { registerWorkflowForms(); }
+
+void TestListPrint::init()
+{
+    Clock::set(QDateTime(Today, QTime(10, 0)));
+    db = std::make_unique<TestDb>();
+    QVERIFY(db->ok());
+    customer(*db, 1, "东大街1号");
+    autoRefresh(true);
+    Session::CompanyName = QStringLiteral("宏达燃气");
+}
+
+void TestListPrint::cleanup()
+{
+    DbGridPrintInfo::setOutputFile(QString());
+    Forms::unloadAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    db.reset();
+}
+
+frmSaleAdmin *TestListPrint::withTickets(int count)
+{
+    for (int id = 1; id <= count; ++id)
+        ticket(*db, {id, "2026-11-23", 2, 1, 37, 10, 2, 0});
+    auto *w = Forms::get<frmSaleAdmin>("frmSaleAdmin");
+    w->resize(900, 600);
+    return w;
+}
+
+void TestListPrint::headerAndFooterSections_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("sections");
+    QTest::newRow("centred header") << "\\t销售单据一览表" << QStringList{"", "销售单据一览表"};
+    QTest::newRow("page footer") << "\\t 第\\p页 共\\P页(2026-11-23 10:00:00打印) 宏达燃气"
+                                 << QStringList{"", " 第2页 共7页(2026-11-23 10:00:00打印) 宏达燃气"};
+    QTest::newRow("three sections") << "左\\t中\\t右" << QStringList{"左", "中", "右"};
+    QTest::newRow("a real tab is text") << "甲\t乙" << QStringList{"甲\t乙"};
+}
+
+void TestListPrint::headerAndFooterSections()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, sections);
+    QCOMPARE(GridPrinter::sections(text, 2, 7), sections);
+}
+
+// Every row printed once, in order, heads on every page, footers after the last row; a
+// list wider than the page shrinks while readable and otherwise splits into column bands.
+void TestListPrint::pagesOfAList_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<double>("pageInches"); // printable width; the sale list is about 6.7 in
+    QTest::addColumn<bool>("scaled");
+    QTest::addColumn<bool>("banded");
+    QTest::newRow("empty list") << 0 << 7.5 << false << false;
+    QTest::newRow("many pages") << 150 << 7.5 << false << false;
+    QTest::newRow("a little too wide") << 30 << 5.0 << true << false;
+    QTest::newRow("far too wide") << 30 << 3.0 << false << true;
+}
+
+void TestListPrint::pagesOfAList()
+{
+    QFETCH(int, rows);
+    QFETCH(double, pageInches);
+    QFETCH(bool, scaled);
+    QFETCH(bool, banded);
+    frmSaleAdmin *w = withTickets(rows);
+    ListWindow::preparePrintInfo(w->dbgMain);
+    w->dbgMain->PrintInfo()->PageHeader = "\\t销售单据一览表";
+    const int dpi = 300;
+    const GridPrinter::Plan plan =
+        GridPrinter::plan(*w->dbgMain, *w->dbgMain->PrintInfo(), QSizeF(pageInches * dpi, 10.5 * dpi), dpi);
+
+    QCOMPARE(plan.scale < 1.0, scaled);
+    QVERIFY(plan.scale >= 0.6);
+    QCOMPARE(plan.bands.size() > 1, banded);
+    QVector<int> columns;
+    for (const QVector<int> &band : plan.bands)
+        columns += band;
+    QCOMPARE(columns, (QVector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+
+    QVector<int> printed(plan.bands.size(), 0);
+    int footerPages = 0;
+    for (const GridPrinter::Page &page : plan.pages) {
+        QVERIFY(page.heads);
+        QCOMPARE(page.firstRow, printed[page.band]);
+        printed[page.band] += page.rowCount;
+        footerPages += page.footers ? 1 : 0;
+    }
+    QCOMPARE(printed, QVector<int>(plan.bands.size(), rows));
+    QCOMPARE(footerPages, int(plan.bands.size()));
+    QVERIFY(plan.pages.last().footers);
+    if (rows == 150)
+        QVERIFY(plan.pages.size() >= 3);
+}
+
+void TestListPrint::printedFileHasThePlannedPages()
+{
+    frmSaleAdmin *w = withTickets(120);
+    const QString file = out.filePath("list.pdf");
+    DbGridPrintInfo::setOutputFile(file);
+    ScriptedPrompter prompts;
+    w->PrintReport();
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(w->dbgMain->PrintInfo()->PageFooter,
+             QStringLiteral("\\t 第\\p页 共\\P页(2026-11-23 10:00:00打印) 宏达燃气"));
+    QCOMPARE(w->dbgMain->PrintInfo()->PageHeader, QStringLiteral("\\t销售单据一览表"));
+
+    QFile pdf(file);
+    QVERIFY(pdf.open(QIODevice::ReadOnly));
+    const int pages = int(QString::fromLatin1(pdf.readAll()).count(QRegularExpression("/Type\\s*/Page[^s]")));
+    QPrinter *printer = w->dbgMain->PrintInfo()->printer();
+    const GridPrinter::Plan plan = GridPrinter::plan(*w->dbgMain, *w->dbgMain->PrintInfo(),
+                                                     printer->pageRect(QPrinter::DevicePixel).size(),
+                                                     printer->resolution());
+    QVERIFY(plan.pages.size() > 1);
+    QCOMPARE(pages, int(plan.pages.size()));
+}
+
+void TestListPrint::previewOpensMaximisedAtFullSize()
+{
+    frmSaleAdmin *w = withTickets(60);
+    ModalScript modals;
+    modals.on("dlgPrintPreview", [](QWidget *dlg) {
+        QCOMPARE(dlg->windowTitle(), QStringLiteral("打印预览"));
+        QVERIFY(dlg->windowState() & Qt::WindowMaximized);
+        auto *view = dlg->findChild<QPrintPreviewWidget *>();
+        QVERIFY(view);
+        QCOMPARE(view->zoomFactor(), 1.0);
+        QVERIFY(view->pageCount() >= 2);
+        static_cast<QDialog *>(dlg)->reject();
+    });
+    ScriptedPrompter prompts;
+    w->PrintPreview();
+    VERIFY_MODALS(modals);
+    VERIFY_PROMPTS(prompts);
+}
+
+void TestListPrint::printWithoutPrinterSaysSo()
+{
+    if (!QPrinterInfo::availablePrinters().isEmpty())
+        QSKIP("this machine has a printer");
+    frmSaleAdmin *w = withTickets(3);
+    ScriptedPrompter prompts;
+    prompts.expect("打印失败，请检查您的系统中是否正确安装了打印机！");
+    w->PrintReport();
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(prompts.last().title, QStringLiteral("打印"));
+    QCOMPARE(prompts.last().icon, QMessageBox::Critical);
+}
+
+QTEST_MAIN(TestListPrint)
+#include "tst_listprint.moc"
