@@ -33,6 +33,8 @@ frmSelCustomer::frmSelCustomer(QWidget *parent) : QDialog(parent), m_rows(new Re
                         {QStringLiteral("开户日期"), QStringLiteral("CreateDate"), 1300, left, plain},
                         {QStringLiteral("客户地址"), QStringLiteral("Address"), 3000, left, plain}});
     dbgMain->setModel(m_rows);
+    // The model's size hint gives widths only; the head row keeps a readable height.
+    dbgMain->horizontalHeader()->setMinimumHeight(dbgMain->horizontalHeader()->fontMetrics().height() + 8);
     for (int c = 0; c < m_rows->columns().size(); ++c)
         dbgMain->setColumnWidth(c, RecordsetModel::twipsToPixels(m_rows->columns().at(c).widthTwips));
     dbgMain->horizontalHeader()->setStretchLastSection(true);

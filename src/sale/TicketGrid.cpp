@@ -39,6 +39,7 @@ QWidget *ProductDropDown::createEditor(QWidget *parent, const QStyleOptionViewIt
     list->setSelectionBehavior(QAbstractItemView::SelectRows);
     list->verticalHeader()->hide();
     list->horizontalHeader()->setStretchLastSection(true);
+    list->horizontalHeader()->setMinimumHeight(list->horizontalHeader()->fontMetrics().height() + 8);
     combo->setView(list);
     combo->setModel(m_products);
     combo->setModelColumn(0);

@@ -258,6 +258,8 @@ void frmSale::buildLayout()
                            {QStringLiteral("送水工编号"), QStringLiteral("SenderID"), 1100, right, plain},
                            {QStringLiteral("操作员编号"), QStringLiteral("UserID"), 1100, right, plain}});
     dbgHistory->setModel(m_history);
+    // The model's size hint gives widths only; the head row keeps a readable height.
+    dbgHistory->horizontalHeader()->setMinimumHeight(dbgHistory->horizontalHeader()->fontMetrics().height() + 8);
     for (int c = 0; c < m_history->columns().size(); ++c)
         dbgHistory->setColumnWidth(c, RecordsetModel::twipsToPixels(m_history->columns().at(c).widthTwips));
     auto *hl = new QVBoxLayout(history);
