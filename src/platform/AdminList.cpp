@@ -57,8 +57,8 @@ AdminListWindow::AdminListWindow(const QString &title, const QString &cardName,
     layout->addLayout(buttons);
 
     connect(lsvMain, &QTreeWidget::itemClicked, this, [this] { btnEdit->setEnabled(true); });
-    connect(lsvMain, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *item) {
-        if (item)
+    connect(lsvMain, &QTreeWidget::itemSelectionChanged, this, [this] {
+        if (!lsvMain->selectedItems().isEmpty())
             btnEdit->setEnabled(true);
     });
     connect(lsvMain, &QTreeWidget::itemDoubleClicked, this, [this] { btnEdit_Click(); });

@@ -94,7 +94,8 @@ void frmMain::showChild(const QString &name)
     sub->setAttribute(Qt::WA_DeleteOnClose);
     sub->setWindowIcon(form->windowIcon());
     form->show();
-    sub->show();
+    // A list fills the work area, as the shop's staff work with one list at a time.
+    sub->showMaximized();
     m_mdi->setActiveSubWindow(sub);
 }
 

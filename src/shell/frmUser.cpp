@@ -30,6 +30,7 @@ frmUser::frmUser()
     lsbRole->setSelectionMode(QAbstractItemView::MultiSelection);
     lsbRole->addItems({"系统管理", "销售开票", "销售收款", "销售出库", "空瓶回收", "库存管理",
                        "结帐盘点", "查询统计"});
+    lsbRole->setFixedHeight(lsbRole->sizeHintForRow(0) * lsbRole->count() + 2 * lsbRole->frameWidth() + 4);
     chkDisable = new QCheckBox(QStringLiteral("用户被禁用"), this);
     chkDisable->setObjectName("chkDisable");
     lblStation = new QLabel(QStringLiteral("所辖供水站："), this);
