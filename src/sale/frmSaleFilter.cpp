@@ -219,9 +219,15 @@ bool frmSaleFilter::eventFilter(QObject *watched, QEvent *event)
         // window taking the focus is not the user leaving the field.
         QWidget *next = QApplication::focusWidget();
         const auto reason = static_cast<QFocusEvent *>(event)->reason();
-        if (field && next != btnOk && next != btnCancel && reason != Qt::PopupFocusReason
-            && reason != Qt::ActiveWindowFocusReason && !checkValue(field))
-            field->setFocus();
+        // While one field is being sent back, the field the user went to is not checked:
+        // two bad fields would otherwise send the focus to and fro.
+        if (field && !m_checking && next != btnOk && next != btnCancel
+            && reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) {
+            m_checking = true;
+            if (!checkValue(field))
+                field->setFocus();
+            m_checking = false;
+        }
     }
     return QDialog::eventFilter(watched, event);
 }

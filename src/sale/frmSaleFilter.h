@@ -51,4 +51,5 @@ private:
     QPushButton *btnPickDate, *btnOk, *btnCancel;
     QList<QRadioButton *> optFinish, optSearchType;
     QList<Condition> m_conditions;
+    bool m_checking = false;
 };

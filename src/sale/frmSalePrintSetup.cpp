@@ -121,7 +121,6 @@ void frmSalePrintSetup::popFont_Click()
 void frmSalePrintSetup::PageSetup()
 {
     QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setFullPage(true);
     printer.setPageLayout(m_report->layout().pageLayout());
     QPageSetupDialog dialog(&printer, this);

@@ -64,6 +64,8 @@ private slots:
     void tickingFillsFields();
     void badValueStopsOk_data();
     void badValueStopsOk();
+    void leavingAField_data();
+    void leavingAField();
     void calendarButton();
 
 private:
@@ -229,6 +231,46 @@ void TestSaleFilter::badValueStopsOk()
     QCOMPARE(plain(m_list.property("curFilterSQL").toString()), expected);
     // A refused value keeps the dialog open for correction.
     QCOMPARE(Forms::loaded("frmSaleFilter") != nullptr, !message.isEmpty());
+    VERIFY_PROMPTS(prompter);
+}
+
+void TestSaleFilter::leavingAField_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("message"); // empty: no message, the focus moves on
+    QTest::addColumn<QString>("left");    // the field's text afterwards
+
+    QTest::newRow("emptied number") << "txtID" << "" << "" << "0";
+    QTest::newRow("number") << "txtID" << " 42 " << "" << " 42 ";
+    QTest::newRow("letters") << "txtID" << "4x" << "数据输入格式不正确， 4x 不是有效的数字！" << "4x";
+    QTest::newRow("emptied date") << "txtCreateDate" << "" << "" << "";
+    QTest::newRow("bad date") << "txtCreateDate" << "2026-2-30"
+                              << "数据输入格式不正确， 2026-2-30 不是有效的日期！" << "2026-2-30";
+}
+
+void TestSaleFilter::leavingAField()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, typed);
+    QFETCH(QString, message);
+    QFETCH(QString, left);
+    ScriptedPrompter prompter;
+    if (!message.isEmpty())
+        prompter.expect(message);
+    QWidget *form = openFilter();
+    apply(form, {"chkID", "chkCreateDate", "chkAccount"});
+    form->show();
+    QApplication::setActiveWindow(form);
+    QVERIFY(QTest::qWaitForWindowActive(form));
+    auto *edit = form->findChild<QLineEdit *>(field);
+    auto *other = form->findChild<QLineEdit *>("txtAccount");
+    edit->setFocus();
+    edit->setText(typed);
+    other->setFocus();
+    QCOMPARE(edit->text(), left);
+    // A refused value keeps the user in the field.
+    QCOMPARE(edit->hasFocus(), !message.isEmpty());
     VERIFY_PROMPTS(prompter);
 }
 
