@@ -2,6 +2,7 @@
 
 #include "PageLayout.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -16,6 +17,7 @@ int toTwips(int pixels) { return qRound(pixels / PageDesigner::Zoom); }
 PageDesigner::PageDesigner(QWidget *parent) : QWidget(parent)
 {
     setMouseTracking(true);
+    setFocusPolicy(Qt::ClickFocus);
     setAutoFillBackground(true);
     QPalette pal = palette();
     pal.setColor(QPalette::Window, QColor(128, 128, 128));
@@ -147,26 +149,50 @@ void PageDesigner::mouseMoveEvent(QMouseEvent *event)
                                                                                 : Qt::SizeAllCursor);
         return;
     }
-    PageField *f = m_page->field(m_selected);
-    if (!f)
+    if (!m_page->field(m_selected))
         return;
     const QPoint delta = pos - m_pressPos;
     QRect r = m_pressRect;
     if (m_drag == Drag::Move) {
         r.moveTopLeft(r.topLeft() + QPoint(toTwips(delta.x()), toTwips(delta.y())));
-        // A field may not leave the paper's printable side of the margins.
+        // A field stays on the paper.
         r.moveLeft(qBound(-m_page->leftMargin, r.left(), m_page->paperWidth - m_page->leftMargin - 1));
         r.moveTop(qBound(-m_page->topMargin, r.top(), m_page->paperHeight - m_page->topMargin - 1));
     } else {
         r.setWidth(qMax(MinimumTwips, r.width() + toTwips(delta.x())));
         r.setHeight(qMax(MinimumTwips, r.height() + toTwips(delta.y())));
     }
-    if (r != f->rect) {
-        f->rect = r;
-        m_changed = true;
-        emit layoutChanged();
-        update();
-    }
+    place(r);
+}
+
+void PageDesigner::place(const QRect &twips)
+{
+    PageField *f = m_page ? m_page->field(m_selected) : nullptr;
+    if (!f || twips == f->rect)
+        return;
+    f->rect = twips;
+    m_changed = true;
+    emit layoutChanged();
+    update();
 }
 
 void PageDesigner::mouseReleaseEvent(QMouseEvent *) { m_drag = Drag::None; }
+
+void PageDesigner::keyPressEvent(QKeyEvent *event)
+{
+    const PageField *f = m_page ? m_page->field(m_selected) : nullptr;
+    const int step = toTwips(1);
+    QPoint by;
+    switch (event->key()) {
+    case Qt::Key_Left: by = QPoint(-step, 0); break;
+    case Qt::Key_Right: by = QPoint(step, 0); break;
+    case Qt::Key_Up: by = QPoint(0, -step); break;
+    case Qt::Key_Down: by = QPoint(0, step); break;
+    default: break;
+    }
+    if (!f || by.isNull()) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    place(f->rect.translated(by));
+}

@@ -6,7 +6,8 @@ class PageLayout;
 // Shows a page layout as paper with its fields, at screen size, and lets the user move a
 // field by dragging it and resize it by dragging its bottom right corner. A right click on a
 // field is handed to the owner, which decides what to offer. Changes go straight into the
-// layout; isChanged() tells whether anything moved since the last setChanged(false).
+// layout; isChanged() tells whether anything moved since the last setChanged(false). The arrow
+// keys nudge the chosen field by one screen pixel, for fine work on pre-printed paper.
 class PageDesigner : public QWidget {
     Q_OBJECT
 public:
@@ -35,11 +36,13 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     enum class Drag { None, Move, Resize };
     QPoint origin() const; // the top left margin corner, in widget pixels
     void refreshSize();
+    void place(const QRect &twips);
 
     PageLayout *m_page = nullptr;
     bool m_changed = false;
