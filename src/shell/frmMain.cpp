@@ -162,8 +162,10 @@ void frmMain::ToolClick(const QString &tool)
         showReport(int(reportModes.indexOf(tool)));
     } else if (tool == "tlCascade") {
         m_mdi->cascadeSubWindows();
-    } else if (tool == "tlTileHorizontal" || tool == "tlTileVertical") {
-        m_mdi->tileSubWindows();
+    } else if (tool == "tlTileHorizontal") {
+        tile(Qt::Vertical);
+    } else if (tool == "tlTileVertical") {
+        tile(Qt::Horizontal);
     } else if (tool == "tlArrangeIcons") {
         // Minimised windows line up along the bottom edge.
         int x = 0;
@@ -190,6 +192,31 @@ void frmMain::ToolClick(const QString &tool)
         QDesktopServices::openUrl(QUrl(homePage()));
     }
     // tlHelp, tlSysLog, tlGrpStationAdmin and any other name do nothing.
+}
+
+// Open windows side by side (Qt::Horizontal) or one above the other (Qt::Vertical), each
+// taking an equal share of the work area.
+void frmMain::tile(Qt::Orientation direction)
+{
+    QList<QMdiSubWindow *> windows;
+    for (QMdiSubWindow *sub : m_mdi->subWindowList()) {
+        if (!sub->isMinimized() && sub->isVisible())
+            windows << sub;
+    }
+    if (windows.isEmpty())
+        return;
+    const QRect area = m_mdi->viewport()->rect();
+    const int n = int(windows.size());
+    for (int i = 0; i < n; ++i) {
+        windows[i]->showNormal();
+        if (direction == Qt::Horizontal) {
+            const int w = area.width() / n;
+            windows[i]->setGeometry(i * w, 0, i == n - 1 ? area.width() - i * w : w, area.height());
+        } else {
+            const int h = area.height() / n;
+            windows[i]->setGeometry(0, i * h, area.width(), i == n - 1 ? area.height() - i * h : h);
+        }
+    }
 }
 
 void frmMain::clearUser()

@@ -37,6 +37,7 @@ private:
     void showReport(int mode);
     void showChart();
     void clearUser();
+    void tile(Qt::Orientation direction);
     void printSetup();
     void moveRow(int step);
     QTableView *activeGrid() const;

@@ -61,6 +61,8 @@ private slots:
     void endingTheProgram_data();
     void endingTheProgram();
     void printSetupWithoutGrid();
+    void tiling_data();
+    void tiling();
     void operatorsWindowReappliesRights();
 
 private:
@@ -268,6 +270,34 @@ void TestMainWindow::printSetupWithoutGrid()
     script.on("cdlMain", [](QWidget *dialog) { qobject_cast<QDialog *>(dialog)->reject(); });
     press("popFile", "tlPrintSetup");
     VERIFY_MODALS(script);
+}
+
+void TestMainWindow::tiling_data()
+{
+    QTest::addColumn<QString>("tool");
+    QTest::addColumn<bool>("sideBySide");
+    QTest::newRow("vertical") << "tlTileVertical" << true;
+    QTest::newRow("horizontal") << "tlTileHorizontal" << false;
+}
+
+void TestMainWindow::tiling()
+{
+    QFETCH(QString, tool);
+    QFETCH(bool, sideBySide);
+    press("barNavChild", "tlMoneyAdmin");
+    press("popWindows", tool);
+    const auto windows = main()->mdiArea()->subWindowList();
+    QCOMPARE(windows.size(), 2);
+    const QRect a = windows[0]->geometry(), b = windows[1]->geometry();
+    QVERIFY(!windows[0]->isMaximized() && !windows[1]->isMaximized());
+    QVERIFY(!a.intersects(b));
+    if (sideBySide) {
+        QCOMPARE(a.top(), b.top());
+        QCOMPARE(a.height(), b.height());
+    } else {
+        QCOMPARE(a.left(), b.left());
+        QCOMPARE(a.width(), b.width());
+    }
 }
 
 void TestMainWindow::operatorsWindowReappliesRights()
