@@ -1,4 +1,5 @@
 #pragma once
 
-// Puts the windows of this group (rptSale,frmSalePrintSetup,frmSaleFilter) into the forms registry.
+// Puts the ticket designer (frmSalePrintSetup) and the sale filter (frmSaleFilter) into the
+// forms registry, and makes the gateway's PrintSale and PreviewSale print the ticket page.
 void registerPrintForms();
