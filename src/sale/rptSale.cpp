@@ -52,11 +52,13 @@ QString custTypeLabel(const QString &type)
 
 QString dateInWords(const QString &stored)
 {
-    QDateTime when;
     QDate date;
-    if (readDate(stored, &date) || (readDateTime(stored, &when) && (date = when.date()).isValid()))
-        return QStringLiteral("%1年%2月%3日").arg(date.year()).arg(date.month()).arg(date.day());
-    return QString();
+    QDateTime when;
+    if (!readDate(stored, &date) && readDateTime(stored, &when))
+        date = when.date();
+    if (!date.isValid())
+        return QString();
+    return QStringLiteral("%1年%2月%3日").arg(date.year()).arg(date.month()).arg(date.day());
 }
 }
 
