@@ -5,6 +5,7 @@
 #include "frmLogin.h"
 #include "frmMain.h"
 #include "frmSplash.h"
+#include "frmSystemSetup.h"
 #include "frmUser.h"
 #include "frmUserAdmin.h"
 
@@ -64,6 +65,7 @@ void Shell::registerShellForms()
     Forms::add("frmAbout", [] { return new frmAbout; });
     Forms::add("frmUserAdmin", [] { return new frmUserAdmin; });
     Forms::add("frmUser", [] { return new frmUser; });
+    Forms::add("frmSystemSetup", [] { return new frmSystemSetup; });
 }
 
 void Shell::registerAllForms()

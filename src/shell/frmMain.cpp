@@ -3,6 +3,7 @@
 #include "CommandBar.h"
 #include "Shell.h"
 #include "ToolState.h"
+#include "frmSystemSetup.h"
 
 #include "data/Gateway.h"
 #include "data/Session.h"
@@ -144,7 +145,7 @@ void frmMain::ToolClick(const QString &tool)
     } else if (modalWindows.contains(tool)) {
         Modal::exec(Forms::get(modalWindows.value(tool)));
     } else if (tool == "tlSysReset") {
-        Forms::call(Forms::get("frmSystemSetup"), "ResetSystem");
+        ResetSystem();
     } else if (tool == "tlClearUser") {
         clearUser();
     } else if (tool == "tlSaleAdmin") {
