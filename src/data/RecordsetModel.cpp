@@ -2,8 +2,6 @@
 
 #include "platform/GridRoles.h"
 
-#include <QSize>
-
 RecordsetModel::RecordsetModel(QObject *parent) : QAbstractTableModel(parent) {}
 
 void RecordsetModel::setColumns(QList<GridColumn> columns)
@@ -70,14 +68,14 @@ QVariant RecordsetModel::headerData(int section, Qt::Orientation orientation, in
 {
     if (orientation != Qt::Horizontal || section < 0 || section >= m_columns.size())
         return QAbstractTableModel::headerData(section, orientation, role);
-    if (role == Qt::DisplayRole)
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole) // narrow heads show the caption on hover
         return m_columns[section].caption;
     if (role == Qt::TextAlignmentRole)
         return int(Qt::AlignCenter);
     if (role == GridRole::DataField)
         return m_columns[section].field;
-    if (role == Qt::SizeHintRole)
-        return QSize(m_columns[section].visible ? twipsToPixels(m_columns[section].widthTwips) : 0, -1);
+    if (role == GridRole::Width)
+        return m_columns[section].visible ? twipsToPixels(m_columns[section].widthTwips) : 0;
     return QVariant();
 }
 

@@ -155,7 +155,8 @@ void DbGrid::setModel(QAbstractItemModel *model)
     applyColumnLayout();
 }
 
-// Widths and visibility come from the model's heads each time the columns are set up.
+// Widths come from the model's heads when the columns are set up; new rows under the same
+// columns keep the widths the user has dragged.
 void DbGrid::applyColumnLayout()
 {
     QAbstractItemModel *m = model();
@@ -163,10 +164,16 @@ void DbGrid::applyColumnLayout()
         return;
     const int n = m->columnCount();
     m_footerTexts.resize(qMax(n, int(m_footerTexts.size())));
+    QStringList fields;
+    for (int c = 0; c < n; ++c)
+        fields << dataField(c) + QLatin1Char('|') + m->headerData(c, Qt::Horizontal).toString();
+    if (fields == m_layoutFields)
+        return;
+    m_layoutFields = fields;
     for (int c = 0; c < n; ++c) {
-        const QSize hint = m->headerData(c, Qt::Horizontal, Qt::SizeHintRole).toSize();
-        if (hint.width() > 0 && horizontalHeader()->sectionSize(c) != hint.width())
-            setColumnWidth(c, hint.width());
+        const QVariant width = m->headerData(c, Qt::Horizontal, GridRole::Width);
+        if (width.isValid() && horizontalHeader()->sectionSize(c) != width.toInt())
+            setColumnWidth(c, width.toInt());
     }
     m_footer->update();
 }
@@ -209,6 +216,13 @@ void DbGrid::setFooterText(int column, const QString &text)
     if (column >= m_footerTexts.size())
         m_footerTexts.resize(column + 1);
     m_footerTexts[column] = text;
+    // A total never shows cut: its column widens when the text cannot run on to the right.
+    QHeaderView *head = horizontalHeader();
+    const int next = head->visualIndex(column) + 1;
+    const bool runsOn = next >= head->count() || footerText(head->logicalIndex(next)).isEmpty();
+    const int needed = m_footer->fontMetrics().horizontalAdvance(text) + 8;
+    if (!runsOn && column < head->count() && head->sectionSize(column) < needed)
+        setColumnWidth(column, needed);
     m_footer->update();
 }
 
@@ -226,7 +240,8 @@ void DbGrid::setSortMark(int column, int direction)
         head->setSortIndicatorShown(false);
         return;
     }
-    head->setSortIndicator(column, direction == 1 ? Qt::AscendingOrder : Qt::DescendingOrder);
+    // The heads draw Qt's descending order as the upward arrow that marks an ascending sort.
+    head->setSortIndicator(column, direction == 1 ? Qt::DescendingOrder : Qt::AscendingOrder);
     head->setSortIndicatorShown(true);
 }
 

@@ -133,6 +133,7 @@ private:
     DbGridPrintInfo *m_printInfo;
     RowStyleCallback m_rowStyle;
     QStringList m_footerTexts;
+    QStringList m_layoutFields; // the columns whose widths were last applied
     int m_sortColumn = -1;
     int m_sortDirection = 0;
     bool m_atBof = false;

@@ -3,7 +3,9 @@
 #include "DbGrid.h"
 #include "Modal.h"
 
+#include <QGraphicsView>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QPageSetupDialog>
 #include <QPainter>
 #include <QPrintPreviewDialog>
@@ -21,6 +23,7 @@ constexpr double MinScale = 0.6;
 struct Metrics {
     double toDevice = 1.0; // grid pixels to device units
     double rowH = 0;
+    double headsH = 0;     // column heads: two lines when a caption is wider than its column
     double headerH = 0;    // page header band
     double footerH = 0;    // page footer band
 };
@@ -37,6 +40,14 @@ Metrics metrics(const DbGrid &grid, const DbGridPrintInfo &info, int resolution)
     const int screenDpi = grid.logicalDpiX() > 0 ? grid.logicalDpiX() : 96;
     m.toDevice = double(resolution) / screenDpi;
     m.rowH = fontHeight(grid.font(), resolution) * 1.5;
+    m.headsH = m.rowH;
+    QFont bold = grid.font();
+    bold.setBold(true);
+    const QFontMetrics fm(bold);
+    const QHeaderView *head = grid.horizontalHeader();
+    for (int c = 0; grid.model() && c < grid.model()->columnCount(); ++c)
+        if (fm.horizontalAdvance(grid.model()->headerData(c, Qt::Horizontal).toString()) + 6 > head->sectionSize(c))
+            m.headsH = m.rowH * 1.8;
     m.headerH = info.PageHeader.isEmpty() ? 0 : fontHeight(info.PageHeaderFont, resolution) * 1.8;
     m.footerH = info.PageFooter.isEmpty() ? 0 : fontHeight(grid.font(), resolution) * 2.0;
     return m;
@@ -125,7 +136,7 @@ GridPrinter::Plan GridPrinter::plan(const DbGrid &grid, const DbGridPrintInfo &i
     bool first = true;
     do {
         const bool heads = first || info.RepeatColumnHeaders;
-        const int room = qMax(1, int((body - (heads ? m.rowH : 0)) / m.rowH));
+        const int room = qMax(1, int((body - (heads ? m.headsH : 0)) / m.rowH));
         const int take = qMin(room, lines - line);
         Page p;
         p.heads = heads;
@@ -175,9 +186,9 @@ bool GridPrinter::print(const DbGrid &grid, const DbGridPrintInfo &info, QPrinte
         }
         double y = m.headerH / plan.scale;
         const QVector<int> &band = plan.bands[page.band];
-        auto cellX = [&](int index, double *x) {
+        auto cellX = [&](int index, double *x, double h) {
             const double w = head->sectionSize(band[index]) * m.toDevice;
-            const QRectF r(*x, y, w, m.rowH);
+            const QRectF r(*x, y, w, h);
             *x += w;
             return r;
         };
@@ -186,18 +197,20 @@ bool GridPrinter::print(const DbGrid &grid, const DbGridPrintInfo &info, QPrinte
             p.setFont(bold);
             double x = 0;
             for (int i = 0; i < band.size(); ++i) {
-                const QRectF r = cellX(i, &x);
+                const QRectF r = cellX(i, &x, m.headsH);
                 p.fillRect(r, QColor(230, 230, 230));
-                drawCell(p, r, model ? model->headerData(band[i], Qt::Horizontal).toString() : QString(),
-                         Qt::AlignCenter);
+                p.drawRect(r);
+                p.drawText(r.adjusted(m.rowH * 0.1, 0, -m.rowH * 0.1, 0),
+                           Qt::AlignCenter | Qt::TextWrapAnywhere,
+                           model ? model->headerData(band[i], Qt::Horizontal).toString() : QString());
             }
-            y += m.rowH;
+            y += m.headsH;
         }
         p.setFont(body);
         for (int row = page.firstRow; row < page.firstRow + page.rowCount; ++row) {
             double x = 0;
             for (int i = 0; i < band.size(); ++i)
-                drawCell(p, cellX(i, &x), model->index(row, band[i]).data().toString(),
+                drawCell(p, cellX(i, &x, m.rowH), model->index(row, band[i]).data().toString(),
                          alignmentOf(grid, band[i]));
             y += m.rowH;
         }
@@ -205,13 +218,13 @@ bool GridPrinter::print(const DbGrid &grid, const DbGridPrintInfo &info, QPrinte
             p.setFont(bold);
             double x = 0;
             for (int i = 0; i < band.size(); ++i) {
-                const QRectF r = cellX(i, &x);
+                const QRectF r = cellX(i, &x, m.rowH);
                 p.drawRect(r);
             }
             // Footer texts may run on over empty cells to their right, as on screen.
             x = 0;
             for (int i = 0; i < band.size(); ++i) {
-                const QRectF r = cellX(i, &x);
+                const QRectF r = cellX(i, &x, m.rowH);
                 const QString text = grid.footerText(band[i]);
                 if (text.isEmpty())
                     continue;
@@ -272,6 +285,9 @@ bool DbGridPrintInfo::PrintPreview()
         if (auto *view = preview.findChild<QPrintPreviewWidget *>()) {
             view->setZoomMode(QPrintPreviewWidget::CustomZoom);
             view->setZoomFactor(zoom);
+            view->updatePreview(); // lets the dialog's zoom box show the new size
+            if (auto *pages = view->findChild<QGraphicsView *>()) // the top of the first page
+                pages->verticalScrollBar()->setValue(pages->verticalScrollBar()->minimum());
         }
     });
     Modal::exec(&preview);
