@@ -432,6 +432,46 @@ private slots:
         VERIFY_PROMPTS(prompts);
     }
 
+    void ticketKeyedWithoutTheMouse()
+    {
+        ScriptedPrompter prompts;
+        open(1);
+        auto key = [](int k, Qt::KeyboardModifiers m = Qt::NoModifier) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key(k), m);
+            QCoreApplication::processEvents();
+        };
+        auto type = [](const QString &t) { typeText(QApplication::focusWidget(), t); };
+        QCOMPARE(QApplication::focusWidget(), edit(form, "txtCustAccount"));
+        key(Qt::Key_Tab);
+        type(QStringLiteral("5550001"));
+        key(Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), edit(form, "txtCustAddress"));
+        type(QStringLiteral("新村3号"));
+        key(Qt::Key_Return);
+        auto *grid = form->findChild<QTableView *>(QStringLiteral("dbgDetail"));
+        QCOMPARE(QApplication::focusWidget(), grid);
+        // Code, Enter, quantity, Enter, and the next line's code.
+        type(QStringLiteral("1"));
+        key(Qt::Key_Return);
+        type(QStringLiteral("3"));
+        key(Qt::Key_Return);
+        type(QStringLiteral("2"));
+        key(Qt::Key_Return);
+        QCOMPARE(text(form, "txtTotalAmount"), QStringLiteral("4"));
+        QCOMPARE(text(form, "txtTotalMoney"), QStringLiteral("115.5"));
+        key(Qt::Key_Tab);
+        auto *sender = form->findChild<QComboBox *>(QStringLiteral("cmbSender"));
+        QCOMPARE(QApplication::focusWidget(), sender);
+        key(Qt::Key_Down);
+        QCOMPARE(text(form, "txtTransferFee"), QStringLiteral("5"));
+        key(Qt::Key_S, Qt::ControlModifier);
+        QTRY_COMPARE(db->count("Sale"), 1);
+        QCOMPARE(db->scalar("SELECT TotalAmount || '|' || TotalMoney || '|' || SenderID FROM Sale").toString(),
+                 QStringLiteral("4.0|115.5|1"));
+        QCOMPARE(db->count("Sale_detail"), 3);
+        VERIFY_PROMPTS(prompts);
+    }
+
     void knownAddressTakesThePhone_data()
     {
         QTest::addColumn<QString>("phone");
