@@ -300,8 +300,6 @@ void TestCatalog::quoteInNameStoresNothing_data()
     QTest::addColumn<int>("action");
     QTest::addColumn<QString>("field");
     QTest::newRow("new product") << "frmProduct" << 1 << "txtName";
-    QTest::newRow("edit product unit") << "frmProduct" << 2 << "txtUnit";
-    QTest::newRow("new sender") << "frmSender" << 1 << "txtName";
     QTest::newRow("edit sender phone") << "frmSender" << 2 << "txtPhone";
 }
 

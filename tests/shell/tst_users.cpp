@@ -25,7 +25,6 @@ private slots:
     void newOperators();
     void editOperator();
     void administratorProtected();
-    void quoteInNameStoresNothing();
 
 private:
     QTreeWidget *openList(ModalScript &script, std::function<void(QWidget *)> card);
@@ -188,28 +187,6 @@ void TestUsers::administratorProtected()
     QCOMPARE(m_db->scalar("SELECT Name||'|'||rolestring||'|'||Detail||'|'||Status FROM SysUser WHERE ID=1")
                  .toString(),
              QStringLiteral("老板|11111111|店主|1"));
-}
-
-void TestUsers::quoteInNameStoresNothing()
-{
-    ScriptedPrompter prompter;
-    prompter.expect("更新数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    ModalScript script;
-    script.on("frmUser", [&](QWidget *card) {
-        ModalScript::type(card, "txtName", "O'Brien");
-        ModalScript::type(card, "txtDetail", "试用");
-        ModalScript::click(card, "btnSave");
-        // The card keeps what was typed.
-        QCOMPARE(ModalScript::child<QLineEdit>(card, "txtName")->text(), QStringLiteral("O'Brien"));
-        QCOMPARE(ModalScript::child<QLineEdit>(card, "txtDetail")->text(), QStringLiteral("试用"));
-        ModalScript::click(card, "btnExit");
-    });
-    QWidget *card = Forms::get("frmUser");
-    card->setProperty("mActionType", 1);
-    Modal::exec(card);
-    VERIFY_MODALS(script);
-    VERIFY_PROMPTS(prompter);
-    QCOMPARE(m_db->count("SysUser"), 1);
 }
 
 QTEST_MAIN(TestUsers)
