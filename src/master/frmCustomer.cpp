@@ -219,6 +219,8 @@ void frmCustomer::btnDate_Click()
 
 void frmCustomer::btnExit_Click() { closeCard(); }
 
+void frmCustomer::reject() { closeCard(); }
+
 void frmCustomer::closeCard() { Forms::unload(this); }
 
 // ---------------------------------------------------------------------------------------------

@@ -26,6 +26,8 @@ public:
 
 public slots:
     int exec() override;
+    // Escape and the close box leave the way btnExit does.
+    void reject() override;
     void btnSave_Click();
     void btnDate_Click();
     void btnExit_Click();

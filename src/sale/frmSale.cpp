@@ -652,7 +652,8 @@ void frmSale::showAddressList()
 
 void frmSale::chooseAddress(const QModelIndex &index)
 {
-    if (!index.isValid())
+    // A click may also count as activation; the first of the two chooses.
+    if (!index.isValid() || !dtlCustomer->isVisible())
         return;
     txtCustAddress->setText(m_addresses->value(index.row(), QStringLiteral("Address")).toString());
     dtlCustomer->hide();
@@ -913,6 +914,8 @@ void frmSale::btnPrintSetup_Click()
 }
 
 void frmSale::btnExit_Click() { closeWindow(); }
+
+void frmSale::reject() { closeWindow(); }
 
 void frmSale::closeWindow()
 {

@@ -44,6 +44,8 @@ public:
 
 public slots:
     int exec() override;
+    // Escape and the window's close box leave the way btnExit does.
+    void reject() override;
 
     void ResetInput();
     qint32 GetNewSaleID();

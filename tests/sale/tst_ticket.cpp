@@ -572,6 +572,9 @@ private slots:
         for (const char *hidden : {"btnSave", "btnSavePrint", "btnAddCustomer", "btnReset", "btnPrintSetup"})
             QVERIFY2(!form->findChild<QPushButton *>(QLatin1String(hidden))->isVisible(), hidden);
         QVERIFY(!form->findChild<QComboBox *>(QStringLiteral("cmbSender"))->isEnabled());
+        // Escape leaves like btnExit: the next opening loads afresh.
+        QTest::keyClick(form, Qt::Key_Escape);
+        QVERIFY(!Forms::loaded(QStringLiteral("frmSale")));
         VERIFY_PROMPTS(prompts);
     }
 
