@@ -496,24 +496,31 @@ private slots:
 
     void failedSavesChangeNothing_data()
     {
+        QTest::addColumn<QString>("phone");
         QTest::addColumn<QString>("quantity");
         QTest::addColumn<QString>("remark");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("quantity over 32767") << "40000" << "" << "溢出";
-        QTest::newRow("quote in the remark") << "1" << "王's" << "更新数据库时出现系统错误，错误信息：";
+        QTest::addColumn<QStringList>("messages");
+        const QString update = QStringLiteral("更新数据库时出现系统错误，错误信息：");
+        QTest::newRow("quantity over 32767") << "" << "40000" << "" << QStringList{QStringLiteral("溢出")};
+        QTest::newRow("quote in the remark") << "" << "1" << "王's" << QStringList{update};
+        QTest::newRow("quote in the new customer's phone")
+            << "555'1" << "1" << "" << QStringList{update, QStringLiteral("往系统增加新客户信息时出现错误！")};
     }
     void failedSavesChangeNothing()
     {
+        QFETCH(QString, phone);
         QFETCH(QString, quantity);
         QFETCH(QString, remark);
-        QFETCH(QString, message);
+        QFETCH(QStringList, messages);
         ScriptedPrompter prompts;
         open(1);
         typeAndEnter(form, "txtCustAddress", QStringLiteral("新村3号"));
+        edit(form, "txtCustPhone")->setText(phone);
         keyCell(form, 0, 0, QStringLiteral("2"));
         keyCell(form, 0, 4, quantity);
         form->findChild<QPlainTextEdit *>(QStringLiteral("txtDetail"))->setPlainText(remark);
-        prompts.expect(message, QMessageBox::Ok, true);
+        for (const QString &m : messages)
+            prompts.expect(m, QMessageBox::Ok, true);
         form->findChild<QPushButton *>(QStringLiteral("btnSave"))->click();
         QCOMPARE(db->count("Customer"), 0);
         QCOMPARE(db->count("Sale"), 0);
@@ -522,6 +529,24 @@ private slots:
         // The operator's input stays for another try.
         QCOMPARE(form->xayDetail()->lineCount(), 1);
         QCOMPARE(text(form, "txtCustAddress"), QStringLiteral("新村3号"));
+        VERIFY_PROMPTS(prompts);
+    }
+
+    void savePrintPrintsTheNewTicket()
+    {
+        addTicket();
+        QList<QPair<qint32, bool>> printed;
+        setSalePrinter([&](qint32 id, bool preview) { printed.append({id, preview}); });
+        ScriptedPrompter prompts;
+        open(1);
+        typeAndEnter(form, "txtCustAccount", QStringLiteral("1"));
+        keyCell(form, 0, 0, QStringLiteral("2"));
+        form->findChild<QPushButton *>(QStringLiteral("btnSavePrint"))->click();
+        setSalePrinter(nullptr);
+        QCOMPARE(db->count("Sale"), 2);
+        QCOMPARE(printed.size(), 1);
+        QCOMPARE(printed.first().first, 2);
+        QVERIFY(!printed.first().second);
         VERIFY_PROMPTS(prompts);
     }
 
