@@ -69,6 +69,8 @@ void frmSender::Form_Load()
     // One station is in daily use: the choice stays out of sight.
     cmbStation->hide();
     lblStation->hide();
+    if (auto *form = findChild<QFormLayout *>())
+        form->setRowVisible(cmbStation, false);
     if (mActionType != 2) {
         cmbStation->setBoundText("1");
         btnSave->setEnabled(false);

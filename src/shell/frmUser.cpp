@@ -71,6 +71,8 @@ void frmUser::Form_Load()
     // One station is in daily use: the choice stays out of sight.
     cmbStation->hide();
     lblStation->hide();
+    if (auto *form = findChild<QFormLayout *>())
+        form->setRowVisible(cmbStation, false);
 
     if (mActionType != 2) {
         btnSave->setEnabled(false);
