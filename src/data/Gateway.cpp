@@ -3,6 +3,7 @@
 #include "Database.h"
 #include "JetDialect.h"
 #include "SqlText.h"
+#include "SqliteSnapshot.h"
 
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
@@ -56,6 +57,10 @@ qint32 toLong(const QVariant &v)
 // Runs an engine statement and keeps all its rows; nullptr with the engine's text in *error.
 RecordsetPtr snapshot(const QString &engineSql, QString *error)
 {
+    // Large lists read straight from the embedded engine; a failure takes the driver's road
+    // below, which reports it.
+    if (RecordsetPtr rs = SqliteSnapshot::open(Database::connection(), engineSql, singleTable(engineSql)))
+        return rs;
     QSqlQuery q(Database::connection());
     q.setForwardOnly(true);
     if (!q.exec(engineSql)) {
