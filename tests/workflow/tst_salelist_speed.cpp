@@ -139,6 +139,7 @@ void TestSaleListSpeed::refreshAndScroll()
     QVERIFY2(growth < 20 * 1024, "memory must not grow with each refresh");
     QVERIFY2(perPage < 50, "scrolling must stay smooth");
     Forms::unloadAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 QTEST_MAIN(TestSaleListSpeed)

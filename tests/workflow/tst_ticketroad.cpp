@@ -1,0 +1,129 @@
+// The road of one ticket through the lists, with the real ticket window: keyed and saved
+// from the sale list, shown blue, delivered, paid and its empties taken back by the tools
+// the main window routes by name, and printed.
+#include "TicketFixture.h"
+
+#include "support/ModalScript.h"
+#include "support/ScriptedPrompter.h"
+
+#include "data/Session.h"
+#include "master/CustomerForms.h"
+#include "platform/Forms.h"
+#include "sale/TicketForms.h"
+#include "workflow/WorkflowForms.h"
+#include "workflow/frmSaleAdmin.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QTableView>
+#include <QtTest>
+
+namespace {
+void typeText(QWidget *w, const QString &text)
+{
+    for (const QChar ch : text) {
+        QTest::sendKeyEvent(QTest::Press, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+    }
+}
+
+void keyCell(QWidget *form, int row, int column, const QString &value)
+{
+    auto *grid = form->findChild<QTableView *>(QStringLiteral("dbgDetail"));
+    const QModelIndex cell = grid->model()->index(row, column);
+    grid->setFocus();
+    grid->setCurrentIndex(cell);
+    grid->edit(cell);
+    QWidget *editor = QApplication::focusWidget();
+    QVERIFY(editor && editor != grid);
+    if (auto *combo = qobject_cast<QComboBox *>(editor))
+        combo->lineEdit()->selectAll();
+    else if (auto *line = qobject_cast<QLineEdit *>(editor))
+        line->selectAll();
+    typeText(editor, value);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents();
+}
+}
+
+class TestTicketRoad : public QObject {
+    Q_OBJECT
+private slots:
+    void oneTicketFromKeyingToPrint();
+};
+
+void TestTicketRoad::oneTicketFromKeyingToPrint()
+{
+    Clock::set(QDateTime(Fixture::Today, QTime(9, 0)));
+    Session::UserID = 1;
+    TestDb db;
+    QVERIFY(db.ok());
+    QVERIFY(db.exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
+                    "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
+    QVERIFY(db.exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
+    QVERIFY(db.exec("INSERT INTO Customer(ID,Account,Name,Address,Phone,CustType,Status,CreateDate,StationID) "
+                    "VALUES (1,1,'王五','东街1号','5551234',1,'1','2026-01-05',1)"));
+    Fixture::autoRefresh(true);
+    registerWorkflowForms();
+    registerTicketForms();
+    registerCustomerForms();
+    QList<qint32> printed;
+    setSalePrinter([&](qint32 id, bool) { printed << id; });
+
+    // The main window's routing: a tool calls the procedure of its name on the child in front.
+    QMdiArea area;
+    area.resize(1000, 600);
+    area.show();
+    Forms::setActiveChildProvider([&] { return area.activeSubWindow() ? area.activeSubWindow()->widget() : nullptr; });
+    auto *list = Forms::get<frmSaleAdmin>("frmSaleAdmin");
+    area.setActiveSubWindow(area.addSubWindow(list));
+    list->parentWidget()->show();
+    auto tool = [](const char *procedure) { QVERIFY(Forms::call(Forms::activeChild(), procedure)); };
+
+    ModalScript modals;
+    modals.on("frmSale", [](QWidget *form) {
+        form->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(form));
+        auto *account = form->findChild<QLineEdit *>(QStringLiteral("txtCustAccount"));
+        account->setFocus();
+        typeText(account, QStringLiteral("1"));
+        QTest::keyClick(account, Qt::Key_Return);
+        keyCell(form, 0, 0, QStringLiteral("1"));
+        keyCell(form, 0, 4, QStringLiteral("3"));
+        QVERIFY(ModalScript::click(form, QStringLiteral("btnSave")));
+        QVERIFY(ModalScript::click(form, QStringLiteral("btnExit")));
+    });
+    tool("AddNew");
+    VERIFY_MODALS(modals);
+
+    QCOMPARE(list->dbgMain->model()->rowCount(), 1);
+    const QString id = list->currentTicket();
+    QVERIFY(!id.isEmpty());
+    QCOMPARE(list->dbgMain->model()->index(0, 9).data().toString(), QStringLiteral("东街1号"));
+    QCOMPARE(list->dbgMain->rowStyle(0).foreground, QColor(0, 0, 255));
+    const QString owed = list->dbgMain->model()->index(0, 3).data().toString();
+    QVERIFY(owed.toDouble() > 0);
+
+    ScriptedPrompter prompts;
+    prompts.expect(QStringLiteral("成功收到") + id + QStringLiteral("号单据销售款：人民币") + owed + QStringLiteral("元！"));
+    tool("OutAmount");
+    QCOMPARE(list->dbgMain->rowStyle(0).foreground, QColor(0, 0, 255)); // still owes money and empties
+    tool("InMoney");
+    tool("InContainer");
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(list->dbgMain->rowStyle(0).foreground, QColor());
+    QCOMPARE(list->dbgMain->footerText(9), QStringLiteral("共欠钱：0元       欠瓶：0个"));
+
+    tool("PrintSale");
+    QCOMPARE(printed, QList<qint32>{id.toInt()});
+    setSalePrinter(nullptr);
+    Forms::setActiveChildProvider(nullptr);
+    Forms::unloadAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QTEST_MAIN(TestTicketRoad)
+#include "tst_ticketroad.moc"
