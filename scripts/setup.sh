@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 PACKAGES=(qt6-base-dev libqt6opengl6-dev libgl-dev qt6-charts-dev qt6-serialport-dev
           libqt6sql6-sqlite libqt6sql6-psql qt6-image-formats-plugins cmake ninja-build g++ ccache
           fonts-wqy-zenhei fonts-arphic-uming poppler-utils xvfb xauth x11-utils imagemagick
-          adwaita-icon-theme)
+          adwaita-icon-theme qt6-translations-l10n libsqlite3-dev)
 
 missing=()
 for p in "${PACKAGES[@]}"; do

@@ -24,7 +24,9 @@
 #include "workflow/WorkflowForms.h"
 
 #include <QDir>
+#include <QLibraryInfo>
 #include <QLockFile>
+#include <QTranslator>
 
 static void initShellResources() { Q_INIT_RESOURCE(shell_icons); }
 
@@ -110,6 +112,11 @@ int Shell::run(QApplication &app)
         return 0;
     QApplication::setApplicationName(QStringLiteral("Tarvik"));
     QApplication::setApplicationVersion(QStringLiteral(TARVIK_VERSION));
+    // The standard dialogs (fonts, page setup, printing) speak the shop's language too.
+    QTranslator qtChinese;
+    if (qtChinese.load(QLocale(QLocale::Chinese, QLocale::China), QStringLiteral("qtbase"),
+                       QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&qtChinese);
     registerAllForms();
     if (!startSession())
         return 0;
