@@ -310,5 +310,6 @@ void DbGridPrintInfo::PageSetup()
 {
     QPageSetupDialog dialog(printer(), m_grid->window());
     dialog.setObjectName(QStringLiteral("dlgPageSetup"));
+    dialog.setWindowTitle(QStringLiteral("打印设置"));
     Modal::exec(&dialog);
 }
