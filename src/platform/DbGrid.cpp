@@ -216,14 +216,42 @@ void DbGrid::setFooterText(int column, const QString &text)
     if (column >= m_footerTexts.size())
         m_footerTexts.resize(column + 1);
     m_footerTexts[column] = text;
-    // A total never shows cut: its column widens when the text cannot run on to the right.
-    QHeaderView *head = horizontalHeader();
-    const int next = head->visualIndex(column) + 1;
-    const bool runsOn = next >= head->count() || footerText(head->logicalIndex(next)).isEmpty();
-    const int needed = m_footer->fontMetrics().horizontalAdvance(text) + 8;
-    if (!runsOn && column < head->count() && head->sectionSize(column) < needed)
-        setColumnWidth(column, needed);
+    fitFooters();
     m_footer->update();
+}
+
+// A total never shows cut: its column widens when the text cannot run on to the right. Run
+// again when the grid is shown, since the fonts it is shown with may differ from its own.
+void DbGrid::fitFooters()
+{
+    QHeaderView *head = horizontalHeader();
+    for (int column = 0; column < head->count() && column < m_footerTexts.size(); ++column) {
+        const QString &text = m_footerTexts[column];
+        if (text.isEmpty())
+            continue;
+        const int next = head->visualIndex(column) + 1;
+        const bool runsOn = next >= head->count() || footerText(head->logicalIndex(next)).isEmpty();
+        const int needed = m_footer->fontMetrics().horizontalAdvance(text) + 8;
+        if (!runsOn && head->sectionSize(column) < needed)
+            setColumnWidth(column, needed);
+    }
+}
+
+void DbGrid::showEvent(QShowEvent *event)
+{
+    QTableView::showEvent(event);
+    fitFooters();
+}
+
+void DbGrid::changeEvent(QEvent *event)
+{
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        QFont bold = font();
+        bold.setBold(true);
+        m_footer->setFont(bold);
+        fitFooters();
+    }
 }
 
 QString DbGrid::footerText(int column) const

@@ -123,9 +123,12 @@ protected:
     void updateGeometries() override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void applyColumnLayout();
+    void fitFooters();
     void layoutFrame();
 
     QLabel *m_title;
