@@ -8,111 +8,92 @@
 class TestCapitalAmount : public QObject {
     Q_OBJECT
 private slots:
-    void capitalAmount_data();
-    void capitalAmount();
-    void validateField_data();
-    void validateField();
-    void acceptedDatesSurviveTheTranslator_data();
-    void acceptedDatesSurviveTheTranslator();
-};
-
-void TestCapitalAmount::capitalAmount_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("expected");
-    // The printed ticket's established wording, quirks included.
-    QTest::newRow("zero") << 0.0 << " ";
-    QTest::newRow("half") << 0.5 << "元伍角";
-    QTest::newRow("five fen") << 0.05 << "元伍分";
-    QTest::newRow("ten") << 10.0 << "壹拾元";
-    QTest::newRow("1234.56") << 1234.56 << "壹仟贰佰叁拾肆元伍角陆分";
-    QTest::newRow("1001") << 1001.0 << "壹仟零壹元";
-    QTest::newRow("10000") << 10000.0 << "壹万元";
-    QTest::newRow("100000") << 100000.0 << "壹拾万元";
-    QTest::newRow("lost zero 1010000") << 1010000.0 << "壹佰壹万元";
-    QTest::newRow("moved zero 1012345") << 1012345.0 << "壹佰壹万零贰仟叁佰肆拾伍元";
-    QTest::newRow("nine digits") << 100000000.0 << "万元";
-    QTest::newRow("negative") << -12.0 << "负壹拾贰元";
-    // Beyond the table: what else reaches a ticket.
-    QTest::newRow("eight digits and jiao") << 12345678.9 << "壹仟贰佰叁拾肆万伍仟陆佰柒拾捌元玖角";
-    QTest::newRow("decimals cut, not rounded") << 1.999 << "壹元玖角玖分";
-    QTest::newRow("sum noise") << 0.1 + 0.2 << "元叁角";
-    QTest::newRow("units zero") << 20.5 << "贰拾元伍角";
-    QTest::newRow("zero run in the middle") << 30005.0 << "叁万零伍元";
-    QTest::newRow("millions zero") << 20030000.0 << "贰仟零叁万元";
-    QTest::newRow("negative zero") << -0.0 << " ";
-}
-
-void TestCapitalAmount::capitalAmount()
-{
-    QFETCH(double, value);
-    QFETCH(QString, expected);
-    QCOMPARE(CapitalAmount(value), expected);
-}
-
-void TestCapitalAmount::validateField_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QString>("ending");   // empty: accepted with no message
-
-    const QString number = QStringLiteral(" 不是有效的数字！");
-    const QString date = QStringLiteral(" 不是有效的日期！");
-    const QString whole = QStringLiteral(" 不是有效的整数！");
-    QTest::newRow("decimal rounds and passes") << "12.5" << 1 << "";
-    QTest::newRow("32-bit overflow") << "3000000000" << 1 << number;
-    QTest::newRow("empty number") << "" << 1 << number;
-    QTest::newRow("date") << "2026-2-28" << 2 << "";
-    QTest::newRow("month 13") << "2026-13-01" << 2 << date;
-    QTest::newRow("February 30") << "2026-02-30" << 2 << date;
-    QTest::newRow("empty date") << "" << 2 << date;
-    QTest::newRow("16-bit top") << "32767" << 3 << "";
-    QTest::newRow("16-bit overflow") << "40000" << 3 << whole;
-    QTest::newRow("letters for a whole number") << "abc" << 3 << whole;
-    QTest::newRow("empty whole number") << "" << 3 << whole;
-    QTest::newRow("other kind untested") << "abc" << 4 << "";
-}
-
-void TestCapitalAmount::validateField()
-{
-    QFETCH(QString, text);
-    QFETCH(int, kind);
-    QFETCH(QString, ending);
-    ScriptedPrompter prompter;
-    const QString message = QStringLiteral("数据输入格式不正确， ") + text + ending;
-    if (!ending.isEmpty())
-        prompter.expect(message);
-    QCOMPARE(ValidateField(text, kind), ending.isEmpty());
-    VERIFY_PROMPTS(prompter);
-    if (!ending.isEmpty()) {
-        QCOMPARE(prompter.last().title, QStringLiteral("错误"));
-        QCOMPARE(prompter.last().icon, QMessageBox::Critical);
-        QCOMPARE(prompter.last().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    void capitalAmount_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("expected");
+        // The printed ticket's established wording, quirks included.
+        QTest::newRow("zero") << 0.0 << " ";
+        QTest::newRow("half") << 0.5 << "元伍角";
+        QTest::newRow("five fen") << 0.05 << "元伍分";
+        QTest::newRow("ten") << 10.0 << "壹拾元";
+        QTest::newRow("1234.56") << 1234.56 << "壹仟贰佰叁拾肆元伍角陆分";
+        QTest::newRow("100000") << 100000.0 << "壹拾万元";
+        QTest::newRow("lost zero 1010000") << 1010000.0 << "壹佰壹万元";
+        QTest::newRow("moved zero 1012345") << 1012345.0 << "壹佰壹万零贰仟叁佰肆拾伍元";
+        QTest::newRow("nine digits") << 100000000.0 << "万元";
+        QTest::newRow("negative") << -12.0 << "负壹拾贰元";
+        QTest::newRow("eight digits and jiao") << 12345678.9 << "壹仟贰佰叁拾肆万伍仟陆佰柒拾捌元玖角";
+        QTest::newRow("decimals cut, not rounded") << 1.999 << "壹元玖角玖分";
+        QTest::newRow("sum noise") << 0.1 + 0.2 << "元叁角";
+        QTest::newRow("zero run in the middle") << 30005.0 << "叁万零伍元";
+        QTest::newRow("millions zero") << 20030000.0 << "贰仟零叁万元";
     }
-}
+    void capitalAmount()
+    {
+        QFETCH(double, value);
+        QFETCH(QString, expected);
+        QCOMPARE(CapitalAmount(value), expected);
+    }
 
-void TestCapitalAmount::acceptedDatesSurviveTheTranslator_data()
-{
-    QTest::addColumn<QString>("text");
-    for (const char *text : {"2026-3-5", "2026/03/05", "3-5-2026", "3/5/2026", " 2026-3-5 ",
-                             "2026-3-5 14:30", "2026-3-5 2:30:15 PM", "2024-2-29", "2026-2-29",
-                             "2026-13-01", "26-3-5", "2026-3/5", "2026-3-5 25:00", "3/5/2026 1:00 xm"})
-        QTest::newRow(text) << QString::fromLatin1(text);
-}
+    void validateField_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("ending"); // empty: accepted with no message
+        const QString number = QStringLiteral(" 不是有效的数字！");
+        const QString date = QStringLiteral(" 不是有效的日期！");
+        const QString whole = QStringLiteral(" 不是有效的整数！");
+        QTest::newRow("decimal rounds and passes") << "12.5" << 1 << "";
+        QTest::newRow("32-bit overflow") << "3000000000" << 1 << number;
+        QTest::newRow("empty number") << "" << 1 << number;
+        QTest::newRow("date") << "2026-2-28" << 2 << "";
+        QTest::newRow("February 30") << "2026-02-30" << 2 << date;
+        QTest::newRow("empty date") << "" << 2 << date;
+        QTest::newRow("16-bit top") << "32767" << 3 << "";
+        QTest::newRow("16-bit overflow") << "40000" << 3 << whole;
+        QTest::newRow("letters for a whole number") << "abc" << 3 << whole;
+        QTest::newRow("other kind untested") << "abc" << 4 << "";
+    }
+    void validateField()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, kind);
+        QFETCH(QString, ending);
+        ScriptedPrompter prompter;
+        if (!ending.isEmpty())
+            prompter.expect(QStringLiteral("数据输入格式不正确， ") + text + ending);
+        QCOMPARE(ValidateField(text, kind), ending.isEmpty());
+        VERIFY_PROMPTS(prompter);
+        if (!ending.isEmpty()) {
+            QCOMPARE(prompter.last().title, QStringLiteral("错误"));
+            QCOMPARE(prompter.last().icon, QMessageBox::Critical);
+            QCOMPARE(prompter.last().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        }
+    }
 
-void TestCapitalAmount::acceptedDatesSurviveTheTranslator()
-{
     // Windows splice a field's date text between # marks once ValidateField has passed it, so
     // the two must agree on what a date is.
-    QFETCH(QString, text);
-    const QString statement = "SELECT * FROM Sale WHERE CreateDate>=#" + text + "#";
-    const bool translated = !JetDialect::translate(statement, JetDialect::Target::SQLite).contains("#'");
-    ScriptedPrompter prompter;
-    if (!translated)
-        prompter.expect(QStringLiteral("数据输入格式不正确， ") + text, QMessageBox::Ok, true);
-    QCOMPARE(ValidateField(text, 2), translated);
-    VERIFY_PROMPTS(prompter);
-}
+    void acceptedDatesSurviveTheTranslator_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char *text : {"2026-3-5", "2026/03/05", "3-5-2026", "3/5/2026", " 2026-3-5 ",
+                                 "2026-3-5 14:30", "2026-3-5 2:30:15 PM", "2024-2-29", "2026-2-29",
+                                 "2026-13-01", "26-3-5", "2026-3/5", "2026-3-5 25:00", "3/5/2026 1:00 xm"})
+            QTest::newRow(text) << QString::fromLatin1(text);
+    }
+    void acceptedDatesSurviveTheTranslator()
+    {
+        QFETCH(QString, text);
+        const QString statement = "SELECT * FROM Sale WHERE CreateDate>=#" + text + "#";
+        const bool translated = !JetDialect::translate(statement, JetDialect::Target::SQLite).contains("#'");
+        ScriptedPrompter prompter;
+        if (!translated)
+            prompter.expect(QStringLiteral("数据输入格式不正确， ") + text, QMessageBox::Ok, true);
+        QCOMPARE(ValidateField(text, 2), translated);
+        VERIFY_PROMPTS(prompter);
+    }
+};
 
 QTEST_MAIN(TestCapitalAmount)
 #include "tst_capitalamount.moc"

@@ -2,8 +2,7 @@
 #include "data/Gateway.h"
 #include "data/SqlText.h"
 #include "platform/VbError.h"
-#include "support/ScriptedPrompter.h"
-#include "support/TestDb.h"
+#include "support/Rows.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -15,312 +14,252 @@
 // its refusal to let a typed quote change what a statement does.
 class TestGateway : public QObject {
     Q_OBJECT
+    std::unique_ptr<TestDb> db;
+    std::unique_ptr<ScriptedPrompter> prompts;
+
 private slots:
-    void creationMakesTablesAndDefaultRows();
-    void reopeningKeepsRows();
-    void unopenableFileFails();
-    void failureMessages_data();
-    void failureMessages();
-    void typedQuoteNeverSucceeds_data();
-    void typedQuoteNeverSucceeds();
-    void typedNumberMustBeANumber_data();
-    void typedNumberMustBeANumber();
-    void sysValues();
-    void silentLookups();
-    void checkUnique_data();
-    void checkUnique();
-    void customerByAccount();
-    void transactionRollsBack();
-    void twoConnectionsWaitForEachOther();
-};
-
-void TestGateway::creationMakesTablesAndDefaultRows()
-{
-    TestDb db;
-    QVERIFY(db.ok());
-    const QStringList tables = Database::connection().tables();
-    for (const char *t : {"Sale", "Sale_detail", "Store", "Store_detail", "Customer", "Product",
-                          "Sender", "Station", "SysUser", "SysValue", "Call"})
-        QVERIFY2(tables.contains(QLatin1String(t), Qt::CaseInsensitive), t);
-    QCOMPARE(db.scalar("SELECT Name FROM SysUser WHERE rolestring='11111111' AND Pwd=''").toString(),
-             QStringLiteral("管理员"));
-    QCOMPARE(db.count("Station", "ID=1"), 1);
-    QCOMPARE(db.scalar("PRAGMA journal_mode").toString(), QStringLiteral("wal"));
-    // Names and texts compare case-blind, as the statements expect.
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(7,'Main Street 5','1')"));
-    ScriptedPrompter prompts;
-    RecordsetPtr rs = OpenRecordset("select * from CUSTOMER where address='MAIN STREET 5'");
-    QVERIFY(rs);
-    QCOMPARE(rs->recordCount(), 1);
-    QCOMPARE(rs->field("ACCOUNT").toInt(), 7);
-    VERIFY_PROMPTS(prompts);
-}
-
-void TestGateway::reopeningKeepsRows()
-{
-    TestDb db;
-    QVERIFY(db.exec("INSERT INTO Call(PhoneNumber,CreateDate) VALUES('5551234','2026-11-23 08:00:00')"));
-    Database::close();
-    QVERIFY(Database::open(db.path()));
-    QCOMPARE(db.count("Call"), 1);
-    QCOMPARE(db.count("SysUser"), 1); // the default rows are not made twice
-}
-
-void TestGateway::unopenableFileFails()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("Tarvik.mdb");
-    QFile junk(path);
-    QVERIFY(junk.open(QIODevice::WriteOnly));
-    junk.write(QByteArray(4096, 'x'));
-    junk.close();
-    QString error;
-    QVERIFY(!Database::open(path, &error));
-    QVERIFY(!error.isEmpty());
-    QVERIFY(!Database::isOpen());
-    QVERIFY(!Database::open(dir.filePath("no/such/folder/Tarvik.mdb"), &error));
-}
-
-void TestGateway::failureMessages_data()
-{
-    QTest::addColumn<bool>("read");
-    QTest::addColumn<QString>("sql");
-    QTest::newRow("update, unknown table") << false << "update NoSuchTable set A=1";
-    QTest::newRow("insert, broken") << false << "insert into Sale(ID values(1)";
-    QTest::newRow("read, unknown column") << true << "select NoSuchColumn from Sale";
-    QTest::newRow("read, two statements") << true << "select * from Sale; delete from Sale";
-}
-
-void TestGateway::failureMessages()
-{
-    QFETCH(bool, read);
-    QFETCH(QString, sql);
-    TestDb db;
-    ScriptedPrompter prompts;
-    const QString prefix = read ? QStringLiteral("读取数据库时出现系统错误，错误信息：")
-                                : QStringLiteral("更新数据库时出现系统错误，错误信息：");
-    prompts.expect(prefix, QMessageBox::Ok, true);
-    if (read)
-        QVERIFY(!OpenRecordset(sql));
-    else
-        QVERIFY(!ExecuteSql(sql));
-    VERIFY_PROMPTS(prompts);
-    const auto &shown = prompts.last();
-    QCOMPARE(shown.title, QStringLiteral("系统错误"));
-    QCOMPARE(shown.icon, QMessageBox::Critical);
-    QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QVERIFY2(shown.text.size() > prefix.size(), "the engine's description follows the text");
-}
-
-// A value typed with a quote must end in the gateway's failure and change nothing, however
-// it is shaped, on every kind of statement.
-void TestGateway::typedQuoteNeverSucceeds_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::newRow("widen rights") << "x', rolestring='11111111";
-    QTest::newRow("always true") << "' OR '1'='1";
-    QTest::newRow("comment out the rest") << "x'--";
-    QTest::newRow("second statement") << "x'; delete from SysUser; --";
-    QTest::newRow("doubled quote") << "O''Brien";
-    QTest::newRow("lone quote") << "'";
-    QTest::newRow("marker smuggled") << QString("a") + Sql::TextClose + "' OR 1=1 --";
-}
-
-void TestGateway::typedQuoteNeverSucceeds()
-{
-    QFETCH(QString, value);
-    TestDb db;
-    QVERIFY(db.exec("INSERT INTO SysUser(Name,Pwd,rolestring,Status) VALUES('clerk','abc','00000000','1')"));
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(1,'Hill Road 1','1')"));
-    const QString before = db.scalar("SELECT group_concat(Name||Pwd||rolestring, '|') FROM SysUser").toString();
-
-    ScriptedPrompter prompts;
-    prompts.expect("更新数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    QVERIFY(!ExecuteSql("update sysuser set pwd='" + Sql::text(value) + "' where ID=2"));
-    prompts.expect("更新数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    QVERIFY(!ExecuteSql("insert into SysUser(Name,Pwd,rolestring,Status) values('" + Sql::text(value)
-                        + "','','00000000','1')"));
-    prompts.expect("读取数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    QVERIFY(!OpenRecordset("Select * from Customer where Status='1' AND  Address Like '%" + Sql::text(value) + "%'"));
-    VERIFY_PROMPTS(prompts);
-
-    QCOMPARE(db.scalar("SELECT group_concat(Name||Pwd||rolestring, '|') FROM SysUser").toString(), before);
-    QCOMPARE(db.count("SysUser"), 2);
-    QCOMPARE(db.count("Customer"), 1);
-}
-
-void TestGateway::typedNumberMustBeANumber_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<bool>("accepted");
-    QTest::newRow("plain") << "12" << true;
-    QTest::newRow("decimal") << "12.5" << true;
-    QTest::newRow("blanks around") << " 12 " << true;
-    QTest::newRow("always true") << "1 or 1=1" << false;
-    QTest::newRow("empty") << "" << false;
-    QTest::newRow("text") << "abc" << false;
-    QTest::newRow("subquery") << "(select max(ID) from SysUser)" << false;
-}
-
-void TestGateway::typedNumberMustBeANumber()
-{
-    QFETCH(QString, typed);
-    QFETCH(bool, accepted);
-    TestDb db;
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(12,'A','1')"));
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(13,'B','1')"));
-    ScriptedPrompter prompts;
-    if (!accepted)
-        prompts.expect("读取数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    RecordsetPtr rs = OpenRecordset("select * from Customer where Account=" + Sql::number(typed));
-    VERIFY_PROMPTS(prompts);
-    QCOMPARE(bool(rs), accepted);
-    if (rs)
-        QVERIFY(rs->recordCount() <= 1);
-}
-
-void TestGateway::sysValues()
-{
-    TestDb db;
-    ScriptedPrompter prompts;
-    QCOMPARE(GetSysValue("CompanyName"), Database::defaultCompanyName());
-    QCOMPARE(GetSysValue("AutoInMoney"), QString()); // missing key reads as empty: the flag is off
-    SetSysValue("AutoInMoney", "1");
-    QCOMPARE(GetSysValue("autoinmoney"), QStringLiteral("1"));
-    SetSysValue("AutoInMoney", "0");
-    QCOMPARE(db.count("SysValue", "Name='AutoInMoney'"), 1);
-    QCOMPARE(GetSysValue("AutoInMoney"), QStringLiteral("0"));
-    // A quote passes on the update path, which writes through the snapshot...
-    SetSysValue("CompanyName", "Joe's Gas");
-    QCOMPARE(GetSysValue("CompanyName"), QStringLiteral("Joe's Gas"));
-    VERIFY_PROMPTS(prompts);
-    // ...and fails on the insert path, which is statement text.
-    prompts.expect("更新数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    SetSysValue("AreaCode", "0'21");
-    VERIFY_PROMPTS(prompts);
-    QCOMPARE(db.count("SysValue", "Name='AreaCode'"), 0);
-}
-
-void TestGateway::silentLookups()
-{
-    TestDb db;
-    ScriptedPrompter prompts;
-    QCOMPARE(GetSumValue("Sale", "", "TotalMoney"), 0); // null sum over no rows
-    QVERIFY(db.exec("INSERT INTO Sale(CustomerID,TotalMoney,CreateDate,FinishFlag) VALUES(1,10.5,'2026-11-23','0')"));
-    QVERIFY(db.exec("INSERT INTO Sale(CustomerID,TotalMoney,CreateDate,FinishFlag) VALUES(2,2.0,'2026-11-22','0')"));
-    QCOMPARE(GetSumValue("Sale", " where CustomerID=1", "TotalMoney"), 10); // cents lost, half to even
-    QCOMPARE(GetSumValue("Sale", " where CreateDate=#11/22/2026#", "TotalMoney"), 2);
-    QCOMPARE(GetMinValue("Station", "ID"), 1);
-    QCOMPARE(GetMinValue("Sale", "TotalMoney"), 2);
-    QCOMPARE(GetFieldByID(1, "SysUser", "Name"), QStringLiteral("管理员"));
-    QCOMPARE(GetFieldByID(99, "SysUser", "Name"), QString());
-    QCOMPARE(GetFieldByID(1, "SysUser", "NoSuchColumn"), QString());
-    VERIFY_PROMPTS(prompts);
-}
-
-void TestGateway::checkUnique_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<int>("currentID");
-    QTest::addColumn<bool>("unique");
-    QTest::newRow("unused address") << "Address" << "New Lane 9" << 0 << 0 << true;
-    QTest::newRow("taken, new row") << "Address" << "Hill Road 1" << 0 << 0 << false;
-    QTest::newRow("taken, case-blind") << "Address" << "HILL ROAD 1" << 0 << 0 << false;
-    QTest::newRow("own row") << "Address" << "Hill Road 1" << 0 << 1 << true;
-    QTest::newRow("other row") << "Address" << "Hill Road 1" << 0 << 2 << false;
-    QTest::newRow("number taken") << "Account" << "5" << 1 << 0 << false;
-    QTest::newRow("number free") << "Account" << "6" << 3 << 0 << true;
-    QTest::newRow("unknown kind reads as taken") << "Account" << "5" << 2 << 0 << false;
-}
-
-void TestGateway::checkUnique()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, value);
-    QFETCH(int, kind);
-    QFETCH(int, currentID);
-    QFETCH(bool, unique);
-    TestDb db;
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(5,'Hill Road 1','1')"));
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(8,'Vale 2','1')"));
-    ScriptedPrompter prompts;
-    if (kind == 2) // no statement is built: the empty statement fails like a failed lookup
-        prompts.expect("读取数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    QCOMPARE(CheckUnique("Customer", field, value, kind, currentID), unique);
-    VERIFY_PROMPTS(prompts);
-}
-
-void TestGateway::customerByAccount()
-{
-    TestDb db;
-    QVERIFY(db.exec("INSERT INTO Customer(Account,Address,Status) VALUES(42,'A','1')"));
-    ScriptedPrompter prompts;
-    QCOMPARE(GetCustomerIDByAccount("42"), 1);
-    QCOMPARE(GetCustomerIDByAccount("43"), 0);
-    VERIFY_PROMPTS(prompts);
-    prompts.expect("读取数据库时出现系统错误，错误信息：", QMessageBox::Ok, true);
-    bool thrown = false;
-    try {
-        GetCustomerIDByAccount("42 or 1=1");
-    } catch (const VbError &e) {
-        thrown = e.number() == 91;
+    void init()
+    {
+        db = std::make_unique<TestDb>();
+        QVERIFY(db->ok());
+        prompts = std::make_unique<ScriptedPrompter>();
     }
-    QVERIFY(thrown);
-    VERIFY_PROMPTS(prompts);
-}
+    void cleanup()
+    {
+        VERIFY_PROMPTS(*prompts);
+        prompts.reset();
+        db.reset();
+    }
 
-void TestGateway::transactionRollsBack()
-{
-    TestDb db;
-    ScriptedPrompter prompts;
-    QVERIFY(Conn.BeginTrans());
-    QVERIFY(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(1,#2026-11-23#,'0')"));
-    QVERIFY(Conn.RollbackTrans());
-    QCOMPARE(db.count("Sale"), 0);
-    QVERIFY(Conn.BeginTrans());
-    QVERIFY(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(1,#11-23-2026#,'0')"));
-    QVERIFY(Conn.CommitTrans());
-    QCOMPARE(db.scalar("SELECT CreateDate FROM Sale").toString(), QStringLiteral("2026-11-23"));
-    VERIFY_PROMPTS(prompts);
-}
+    void creationMakesTablesAndDefaultRowsOnce()
+    {
+        const QStringList tables = Database::connection().tables();
+        for (const char *t : {"Sale", "Sale_detail", "Store", "Store_detail", "Customer", "Product",
+                              "Sender", "Station", "SysUser", "SysValue", "Call"})
+            QVERIFY2(tables.contains(QLatin1String(t), Qt::CaseInsensitive), t);
+        QCOMPARE(db->scalar("SELECT Name FROM SysUser WHERE rolestring='11111111' AND Pwd=''").toString(),
+                 QStringLiteral("管理员"));
+        QCOMPARE(db->count("Station", "ID=1"), 1);
+        QCOMPARE(db->scalar("PRAGMA journal_mode").toString(), QStringLiteral("wal"));
+        QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(7,'Main Street 5','1')"));
+        Database::close();
+        QVERIFY(Database::open(db->path()));
+        QCOMPARE(db->count("SysUser"), 1); // the default rows are not made twice
+        // Names and texts compare case-blind, as the statements expect.
+        RecordsetPtr rs = OpenRecordset("select * from CUSTOMER where address='MAIN STREET 5'");
+        QVERIFY(rs);
+        QCOMPARE(rs->recordCount(), 1);
+        QCOMPARE(rs->field("ACCOUNT").toInt(), 7);
+    }
 
-// Two workstations on one file: a writer holding the file makes the other wait, not fail.
-void TestGateway::twoConnectionsWaitForEachOther()
-{
-    TestDb db;
-    std::atomic<bool> holding{false};
-    std::thread other([&] {
-        {
-            QSqlDatabase c = QSqlDatabase::addDatabase("QSQLITE", "other");
-            c.setDatabaseName(db.path());
-            if (c.open()) {
-                QSqlQuery q(c);
-                q.exec("BEGIN IMMEDIATE");
-                q.exec("INSERT INTO Call(PhoneNumber) VALUES('1')");
-                holding = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(600));
-                q.exec("COMMIT");
-                c.close();
-            }
-            holding = true;
+    void unopenableFileFails()
+    {
+        QTemporaryDir dir;
+        QFile junk(dir.filePath("Tarvik.mdb"));
+        QVERIFY(junk.open(QIODevice::WriteOnly));
+        junk.write(QByteArray(4096, 'x'));
+        junk.close();
+        QString error;
+        QVERIFY(!Database::open(junk.fileName(), &error));
+        QVERIFY(!error.isEmpty());
+        QVERIFY(!Database::isOpen());
+        QVERIFY(!Database::open(dir.filePath("no/such/folder/Tarvik.mdb"), &error));
+    }
+
+    void failureMessages_data()
+    {
+        QTest::addColumn<bool>("read");
+        QTest::addColumn<QString>("sql");
+        QTest::newRow("update, unknown table") << false << "update NoSuchTable set A=1";
+        QTest::newRow("insert, broken") << false << "insert into Sale(ID values(1)";
+        QTest::newRow("read, unknown column") << true << "select NoSuchColumn from Sale";
+        QTest::newRow("read, two statements") << true << "select * from Sale; delete from Sale";
+    }
+    void failureMessages()
+    {
+        QFETCH(bool, read);
+        QFETCH(QString, sql);
+        const QString prefix = read ? Failed::Read : Failed::Update;
+        expectFailed(*prompts, prefix);
+        QVERIFY(read ? !OpenRecordset(sql) : !ExecuteSql(sql));
+        const auto &shown = prompts->last();
+        QCOMPARE(shown.title, QStringLiteral("系统错误"));
+        QCOMPARE(shown.icon, QMessageBox::Critical);
+        QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        QVERIFY2(shown.text.size() > prefix.size(), "the engine's description follows the text");
+    }
+
+    // A value typed with a quote must end in the gateway's failure and change nothing, however
+    // it is shaped, on every kind of statement.
+    void typedQuoteNeverSucceeds_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::newRow("widen rights") << "x', rolestring='11111111";
+        QTest::newRow("second statement") << "x'; delete from SysUser; --";
+        QTest::newRow("doubled quote") << "O''Brien";
+        QTest::newRow("marker smuggled") << QString("a") + Sql::TextClose + "' OR 1=1 --";
+    }
+    void typedQuoteNeverSucceeds()
+    {
+        QFETCH(QString, value);
+        QVERIFY(db->exec("INSERT INTO SysUser(Name,Pwd,rolestring,Status) VALUES('clerk','abc','00000000','1')"));
+        QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(1,'Hill Road 1','1')"));
+        const QString users = "SELECT group_concat(Name||Pwd||rolestring, '|') FROM SysUser";
+        const QString before = db->scalar(users).toString();
+        expectFailed(*prompts, Failed::Update);
+        QVERIFY(!ExecuteSql("update sysuser set pwd='" + Sql::text(value) + "' where ID=2"));
+        expectFailed(*prompts, Failed::Update);
+        QVERIFY(!ExecuteSql("insert into SysUser(Name,Pwd,rolestring,Status) values('" + Sql::text(value)
+                            + "','','00000000','1')"));
+        expectFailed(*prompts, Failed::Read);
+        QVERIFY(!OpenRecordset("Select * from Customer where Status='1' AND  Address Like '%" + Sql::text(value) + "%'"));
+        QCOMPARE(db->scalar(users).toString(), before);
+        QCOMPARE(db->count("SysUser"), 2);
+        QCOMPARE(db->count("Customer"), 1);
+    }
+
+    void typedNumberMustBeANumber_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("plain") << "12" << true;
+        QTest::newRow("blanks around") << " 12 " << true;
+        QTest::newRow("always true") << "1 or 1=1" << false;
+        QTest::newRow("empty") << "" << false;
+        QTest::newRow("subquery") << "(select max(ID) from SysUser)" << false;
+    }
+    void typedNumberMustBeANumber()
+    {
+        QFETCH(QString, typed);
+        QFETCH(bool, accepted);
+        QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(12,'A','1'),(13,'B','1')"));
+        if (!accepted)
+            expectFailed(*prompts, Failed::Read);
+        RecordsetPtr rs = OpenRecordset("select * from Customer where Account=" + Sql::number(typed));
+        QCOMPARE(bool(rs), accepted);
+        if (rs)
+            QCOMPARE(rs->recordCount(), 1);
+    }
+
+    void sysValues()
+    {
+        QCOMPARE(GetSysValue("CompanyName"), Database::defaultCompanyName());
+        QCOMPARE(GetSysValue("AutoInMoney"), QString()); // missing key reads as empty: the flag is off
+        SetSysValue("AutoInMoney", "1");
+        QCOMPARE(GetSysValue("autoinmoney"), QStringLiteral("1"));
+        SetSysValue("AutoInMoney", "0");
+        QCOMPARE(db->count("SysValue", "Name='AutoInMoney'"), 1);
+        QCOMPARE(GetSysValue("AutoInMoney"), QStringLiteral("0"));
+        // A quote passes on the update path, which writes through the snapshot...
+        SetSysValue("CompanyName", "Joe's Gas");
+        QCOMPARE(GetSysValue("CompanyName"), QStringLiteral("Joe's Gas"));
+        // ...and fails on the insert path, which is statement text.
+        expectFailed(*prompts, Failed::Update);
+        SetSysValue("AreaCode", "0'21");
+        QCOMPARE(db->count("SysValue", "Name='AreaCode'"), 0);
+    }
+
+    void silentLookups()
+    {
+        QCOMPARE(GetSumValue("Sale", "", "TotalMoney"), 0); // null sum over no rows
+        QVERIFY(db->exec("INSERT INTO Sale(CustomerID,TotalMoney,CreateDate,FinishFlag) VALUES"
+                         "(1,10.5,'2026-11-23','0'),(2,2.0,'2026-11-22','0')"));
+        QCOMPARE(GetSumValue("Sale", " where CustomerID=1", "TotalMoney"), 10); // cents lost, half to even
+        QCOMPARE(GetSumValue("Sale", " where CreateDate=#11/22/2026#", "TotalMoney"), 2);
+        QCOMPARE(GetMinValue("Sale", "TotalMoney"), 2);
+        QCOMPARE(GetFieldByID(1, "SysUser", "Name"), QStringLiteral("管理员"));
+        QCOMPARE(GetFieldByID(99, "SysUser", "Name"), QString());
+        QCOMPARE(GetFieldByID(1, "SysUser", "NoSuchColumn"), QString());
+    }
+
+    void checkUnique_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<int>("currentID");
+        QTest::addColumn<bool>("unique");
+        QTest::newRow("unused address") << "Address" << "New Lane 9" << 0 << 0 << true;
+        QTest::newRow("taken, case-blind") << "Address" << "HILL ROAD 1" << 0 << 0 << false;
+        QTest::newRow("own row") << "Address" << "Hill Road 1" << 0 << 1 << true;
+        QTest::newRow("other row") << "Address" << "Hill Road 1" << 0 << 2 << false;
+        QTest::newRow("number taken") << "Account" << "5" << 1 << 0 << false;
+        QTest::newRow("number free") << "Account" << "6" << 3 << 0 << true;
+        QTest::newRow("unknown kind reads as taken") << "Account" << "5" << 2 << 0 << false;
+    }
+    void checkUnique()
+    {
+        QFETCH(QString, field);
+        QFETCH(QString, value);
+        QFETCH(int, kind);
+        QFETCH(int, currentID);
+        QFETCH(bool, unique);
+        QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(5,'Hill Road 1','1'),(8,'Vale 2','1')"));
+        if (kind == 2) // no statement is built: the empty statement fails like a failed lookup
+            expectFailed(*prompts, Failed::Read);
+        QCOMPARE(CheckUnique("Customer", field, value, kind, currentID), unique);
+    }
+
+    void customerByAccount()
+    {
+        QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(42,'A','1')"));
+        QCOMPARE(GetCustomerIDByAccount("42"), 1);
+        QCOMPARE(GetCustomerIDByAccount("43"), 0);
+        expectFailed(*prompts, Failed::Read);
+        int thrown = 0;
+        try {
+            GetCustomerIDByAccount("42 or 1=1");
+        } catch (const VbError &e) {
+            thrown = e.number();
         }
-        QSqlDatabase::removeDatabase("other");
-    });
-    while (!holding)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    ScriptedPrompter prompts;
-    QElapsedTimer t;
-    t.start();
-    const bool ok = ExecuteSql("insert into Call(PhoneNumber) values('2')");
-    const qint64 waited = t.elapsed();
-    other.join();
-    QVERIFY(ok);
-    VERIFY_PROMPTS(prompts);
-    QVERIFY2(waited >= 300, qPrintable(QString::number(waited)));
-    QCOMPARE(db.count("Call"), 2);
-}
+        QCOMPARE(thrown, 91);
+    }
+
+    void transactionRollsBack()
+    {
+        QVERIFY(Conn.BeginTrans());
+        QVERIFY(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(1,#2026-11-23#,'0')"));
+        QVERIFY(Conn.RollbackTrans());
+        QCOMPARE(db->count("Sale"), 0);
+        QVERIFY(Conn.BeginTrans());
+        QVERIFY(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(1,#11-23-2026#,'0')"));
+        QVERIFY(Conn.CommitTrans());
+        QCOMPARE(db->scalar("SELECT CreateDate FROM Sale").toString(), QStringLiteral("2026-11-23"));
+    }
+
+    // Two workstations on one file: a writer holding the file makes the other wait, not fail.
+    void twoConnectionsWaitForEachOther()
+    {
+        std::atomic<bool> holding{false};
+        std::thread other([&] {
+            {
+                QSqlDatabase c = QSqlDatabase::addDatabase("QSQLITE", "other");
+                c.setDatabaseName(db->path());
+                if (c.open()) {
+                    QSqlQuery q(c);
+                    q.exec("BEGIN IMMEDIATE");
+                    q.exec("INSERT INTO Call(PhoneNumber) VALUES('1')");
+                    holding = true;
+                    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+                    q.exec("COMMIT");
+                    c.close();
+                }
+                holding = true;
+            }
+            QSqlDatabase::removeDatabase("other");
+        });
+        while (!holding)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        QElapsedTimer t;
+        t.start();
+        const bool ok = ExecuteSql("insert into Call(PhoneNumber) values('2')");
+        const qint64 waited = t.elapsed();
+        other.join();
+        QVERIFY(ok);
+        QVERIFY2(waited >= 300, qPrintable(QString::number(waited)));
+        QCOMPARE(db->count("Call"), 2);
+    }
+};
 
 QTEST_MAIN(TestGateway)
 #include "tst_gateway.moc"

@@ -54,15 +54,6 @@ Lexed lex(const QString &s, bool dates)
     return r;
 }
 
-bool isSubsequence(const QStringList &part, const QStringList &whole)
-{
-    qsizetype k = 0;
-    for (const QString &w : whole)
-        if (k < part.size() && part[k] == w)
-            ++k;
-    return k == part.size();
-}
-
 const char *const Pieces[] = {
     "#", "#", "&", "&", "'", "''", "\"", "[", "]", "`", "(", ")", "-", "/", "*", "+", ",", " ",
     " ", "=", "<=", ">", ":", "0", "1", "2", "5", "11", "2026", "a", "Sale", ".", "Year", "month",
@@ -72,49 +63,48 @@ const char *const Corpus[] = {
     "select Sum(TotalAmount) as SumAmount,Year(CreateDate) & '年' & Month(CreateDate) &'月' as ReportDate "
     "from Sale WHERE CreateDate>=#2026-1-1# and CreateDate<=#12/31/2026# Group by Year(CreateDate) & '年' & "
     "Month(CreateDate) &'月' ORDER BY Year(CreateDate) & '年' & Month(CreateDate) &'月' Desc ",
-    "INSERT INTO Call(PhoneNumber,CreateDate) values ('139 # & ''x',#11/5/2026 3:04:05 PM#)",
-    "SELECT a.ID as ID,a.CreateDate as CallDate FROM Call a LEFT OUTER JOIN Customer b ON a.PhoneNumber=b.Phone",
-    "select count(*) as TotalRows from Sale where FinishFlag='0' and (TotalAmount-OutAmount>0) And CreateDate<=#2026/11/5#",
-    "Select * from Customer where Status='1' AND  Address Like '%幸福%'",
-    "select sum(Sale_detail.MyAmount) from Sale,Sale_Detail where ((Sale_Detail.IsContainer='0') or "
-    "(Sale.TotalContainer-Sale.InContainer>0)) and Sale.CreateDate <=#2026-11-05#  AND Sale.StationID=1"};
+    "INSERT INTO Call(PhoneNumber,CreateDate) values ('139 # & ''x',#11/5/2026 3:04:05 PM#)"};
 
-class Fuzzer {
-public:
+// Random statements: a run of pieces, or a real statement with a few pieces inserted, cut out
+// or copied over.
+struct Fuzzer {
+    QRandomGenerator rng{20261105u};
+    int bounded(int n) { return int(rng.bounded(n)); }
+    QString piece() { return QString::fromUtf8(Pieces[bounded(int(std::size(Pieces)))]); }
     QString random()
     {
         QString s;
-        for (int n = int(m_rng.bounded(40)); n > 0; --n)
+        for (int n = bounded(40); n > 0; --n)
             s += piece();
         return s;
     }
     QString mutated()
     {
-        QString s = QString::fromUtf8(Corpus[m_rng.bounded(int(std::size(Corpus)))]);
-        for (int n = 1 + int(m_rng.bounded(4)); n > 0; --n) {
-            const qsizetype at = m_rng.bounded(int(s.size()) + 1);
-            switch (m_rng.bounded(3)) {
+        QString s = QString::fromUtf8(Corpus[bounded(int(std::size(Corpus)))]);
+        for (int n = 1 + bounded(4); n > 0; --n) {
+            const int at = bounded(int(s.size()) + 1);
+            switch (bounded(3)) {
             case 0: s.insert(at, piece()); break;
-            case 1: s.remove(at, m_rng.bounded(6)); break;
-            default: s.insert(at, s.mid(m_rng.bounded(int(s.size()) + 1), m_rng.bounded(20)));
+            case 1: s.remove(at, bounded(6)); break;
+            default: s.insert(at, s.mid(bounded(int(s.size()) + 1), bounded(20)));
             }
         }
         return s;
     }
-    int bounded(int n) { return int(m_rng.bounded(n)); }
-
-private:
-    QString piece() { return QString::fromUtf8(Pieces[m_rng.bounded(int(std::size(Pieces)))]); }
-    QRandomGenerator m_rng{20261105u};
 };
 
-// What must hold for any statement, whatever its shape.
+// What must hold for any statement, whatever its shape: quoted pieces pass through in order,
+// no & or comment mark and no # other than a refused date is left outside them, brackets
+// balance as before, and a statement with nothing to translate comes out as it went in.
 void checkInvariants(const QString &in, Target target)
 {
     const QString out = JetDialect::translate(in, target);
     const Lexed li = lex(in, true), lo = lex(out, false);
     QVERIFY2(li.open == lo.open, qPrintable(in));
-    QVERIFY2(isSubsequence(li.quoted, lo.quoted), qPrintable(in));
+    qsizetype kept = 0;
+    for (const QString &q : lo.quoted)
+        kept += kept < li.quoted.size() && li.quoted[kept] == q;
+    QVERIFY2(kept == li.quoted.size(), qPrintable(in));
     QVERIFY2(!lo.outside.contains(u'&'), qPrintable(in));
     QVERIFY2(!lo.outside.contains(u"--") && !lo.outside.contains(u"/*"), qPrintable(in));
     for (qsizetype i = lo.outside.indexOf(u'#'); i >= 0; i = lo.outside.indexOf(u'#', i + 1))
@@ -139,15 +129,14 @@ private slots:
         QElapsedTimer clock;
         clock.start();
         int n = 0;
-        for (; n < 200000 && clock.elapsed() < 15000; ++n) {
+        for (; n < 40000 && clock.elapsed() < 5000; ++n) {
             const QString in = n % 2 ? fuzz.random() : fuzz.mutated();
             checkInvariants(in, Target::SQLite);
             checkInvariants(in, Target::PostgreSQL);
             if (QTest::currentTestFailed())
                 return;
         }
-        qInfo("%d statements", n);
-        QVERIFY(n >= 10000);
+        QVERIFY2(n >= 5000, qPrintable(QString::number(n)));
     }
 
     // Dates of every form, possible or not, against the calendar; a sample goes to the engine,
@@ -160,7 +149,7 @@ private slots:
         QVERIFY(QSqlQuery(db).exec(QStringLiteral("CREATE TABLE Sale (ID INTEGER, CreateDate TEXT)")));
         Fuzzer fuzz;
         int refused = 0;
-        for (int n = 0; n < 20000; ++n) {
+        for (int n = 0; n < 5000; ++n) {
             const int y = fuzz.bounded(4) ? 1995 + fuzz.bounded(40) : fuzz.bounded(10001);
             const int m = fuzz.bounded(15), d = fuzz.bounded(33);
             const int h = fuzz.bounded(26), mi = fuzz.bounded(62), s = fuzz.bounded(62);
@@ -186,13 +175,12 @@ private slots:
                       + (timeForm > 0 && time != QTime(0, 0) ? time.toString(u" HH:mm:ss") : QString()) + "'";
             const QString out = JetDialect::translate("CreateDate=#" + text + "#", Target::SQLite);
             QCOMPARE(out, "CreateDate=" + expected);
-            if (n % 10 == 0) {
-                QSqlQuery q(db);
-                QCOMPARE(q.exec("select count(*) from Sale where 0 and " + out), valid);
+            if (n % 5 == 0) {
+                QCOMPARE(QSqlQuery(db).exec("select count(*) from Sale where 0 and " + out), valid);
                 refused += valid ? 0 : 1;
             }
         }
-        QVERIFY(refused > 100);
+        QVERIFY(refused > 25);
     }
 
     // Long hostile statements take time in proportion to their length.
