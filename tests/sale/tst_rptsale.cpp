@@ -105,252 +105,233 @@ class TestRptSale : public QObject {
 private slots:
     void initTestCase() { registerPrintForms(); }
     void cleanup() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
-    void ticketText_data();
-    void ticketText();
-    void missingTicketIsReported();
-    void layoutFile_data();
-    void layoutFile();
-    void gatewayDoors();
-    void designerMovesHidesAndSaves();
-    void closingAChangedLayoutAsks_data();
-    void closingAChangedLayoutAsks();
-};
+    void ticketText_data()
+    {
+        QTest::addColumn<int>("custType");
+        QTest::addColumn<int>("senderID");
+        QTest::addColumn<QList<Line>>("lines");
+        QTest::addColumn<double>("total");
+        QTest::addColumn<QStringList>("shown");
+        QTest::addColumn<QStringList>("absent");
 
-void TestRptSale::ticketText_data()
-{
-    QTest::addColumn<int>("custType");
-    QTest::addColumn<int>("senderID");
-    QTest::addColumn<QList<Line>>("lines");
-    QTest::addColumn<double>("total");
-    QTest::addColumn<QStringList>("shown");
-    QTest::addColumn<QStringList>("absent");
-
-    const QStringList header = {"张三", "8001", "5551234", "和平路12号", "2026年3月5日", "放门口",
-                                "管理员", "总站"};
-    QTest::newRow("four lines: three printed, total of four")
-        << 1 << 1
-        << QList<Line>{{"甲气", 100}, {"乙气", 200}, {"丙水", 300}, {"丁水", 634.5}} << 1234.5
-        << header + QStringList{"已开户", "李送", "甲气", "乙气", "丙水", "300",
-                                "￥1,234.50", "壹仟贰佰叁拾肆元伍角"}
-        << QStringList{"丁水", "634.5", "序号", "品名", "单据编号"};
-    QTest::newRow("no lines")
-        << 2 << 1 << QList<Line>{} << 0.0 << header + QStringList{"大客户", "￥0.00"}
-        << QStringList{"序号", "品名", "单位", "元"};
-    QTest::newRow("unknown type, no sender, empties left out")
-        << 5 << 0 << QList<Line>{{"桶装水", 12.5}, {"空桶", 0, "1"}} << 12.5
-        << header + QStringList{"桶装水", "12.5", "￥12.50", "壹拾贰元伍角"}
-        << QStringList{"空桶", "李送", "未开户", "已开户", "大客户", "托管户", "其它", "客户种类"};
-}
-
-void TestRptSale::ticketText()
-{
-    QFETCH(int, custType);
-    QFETCH(int, senderID);
-    QFETCH(QList<Line>, lines);
-    QFETCH(double, total);
-    QFETCH(QStringList, shown);
-    QFETCH(QStringList, absent);
-
-    TestDb db;
-    QVERIFY(db.ok());
-    ScriptedPrompter prompter;
-    const int sale = addTicket(db, custType, senderID, lines, total);
-    QVERIFY(printToPdf(db, sale));
-    const QString text = pdfText(db);
-    QVERIFY2(!text.trimmed().isEmpty(), "the PDF holds no text");
-    for (const auto &s : shown)
-        QVERIFY2(text.contains(s), qPrintable(s + " missing in:\n" + text));
-    for (const auto &s : absent)
-        QVERIFY2(!text.contains(s), qPrintable(s + " printed in:\n" + text));
-    QVERIFY(text.contains(QString::number(sale)));
-    const QString fonts = run("pdffonts", {pdfPath(db)});
-    QVERIFY2(fonts.contains("UMing"), qPrintable(fonts));
-    VERIFY_PROMPTS(prompter);
-}
-
-void TestRptSale::missingTicketIsReported()
-{
-    TestDb db;
-    ScriptedPrompter prompter;
-    prompter.expect(QStringLiteral("出现系统故障："), QMessageBox::Ok, true);
-    QVERIFY(!printToPdf(db, 999));
-    QCOMPARE(prompter.last().title, QStringLiteral("失败"));
-    QCOMPARE(prompter.last().icon, QMessageBox::Critical);
-    VERIFY_PROMPTS(prompter);
-}
-
-void TestRptSale::layoutFile_data()
-{
-    QTest::addColumn<QByteArray>("file");  // empty: no sale.rpx
-    QTest::addColumn<QPointF>("nameAt");   // where 张三 prints, in points
-
-    const QPointF builtIn((1440 + 850) / 20.0, (1440 + 425) / 20.0);
-    QTest::newRow("no file") << QByteArray() << builtIn;
-    QTest::newRow("not a layout") << QByteArray("MZ\x90\x00 binary junk") << builtIn;
-    QTest::newRow("broken XML")
-        << QByteArray("<page width=\"11906\"><field name=\"txtCustName\" left=\"3000\"") << builtIn;
-    QTest::newRow("bad number")
-        << QByteArray("<page><field name=\"txtCustName\" left=\"x\" top=\"0\"/></page>") << builtIn;
-    QTest::newRow("moved field, narrow margins")
-        << QByteArray("<page width=\"11906\" height=\"8000\" left=\"200\" top=\"400\">"
-                      "<field name=\"txtCustName\" left=\"4000\" top=\"3000\" width=\"1500\" height=\"280\"/>"
-                      "<field name=\"txtNoSuchField\" left=\"1\" top=\"1\"/></page>")
-        << QPointF((200 + 4000) / 20.0, (400 + 3000) / 20.0);
-}
-
-void TestRptSale::layoutFile()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(QPointF, nameAt);
-
-    TestDb db;
-    ScriptedPrompter prompter;
-    if (!file.isEmpty()) {
-        QFile out(rptSale::layoutPath());
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(file);
+        const QStringList header = {"张三", "8001", "5551234", "和平路12号", "2026年3月5日", "放门口",
+                                    "管理员", "总站"};
+        QTest::newRow("four lines: three printed, total of four")
+            << 1 << 1
+            << QList<Line>{{"甲气", 100}, {"乙气", 200}, {"丙水", 300}, {"丁水", 634.5}} << 1234.5
+            << header + QStringList{"已开户", "李送", "甲气", "乙气", "丙水", "300",
+                                    "￥1,234.50", "壹仟贰佰叁拾肆元伍角"}
+            << QStringList{"丁水", "634.5", "序号", "品名", "单据编号"};
+        QTest::newRow("no lines")
+            << 2 << 1 << QList<Line>{} << 0.0 << header + QStringList{"大客户", "￥0.00"}
+            << QStringList{"序号", "品名", "单位", "元"};
+        QTest::newRow("unknown type, no sender, empties left out")
+            << 5 << 0 << QList<Line>{{"桶装水", 12.5}, {"空桶", 0, "1"}} << 12.5
+            << header + QStringList{"桶装水", "12.5", "￥12.50", "壹拾贰元伍角"}
+            << QStringList{"空桶", "李送", "未开户", "已开户", "大客户", "托管户", "其它", "客户种类"};
     }
-    const int sale = addTicket(db, 1, 1, {}, 0);
-    QVERIFY(printToPdf(db, sale));
-    const QPointF at = wordPlace(db, "张三");
-    QVERIFY2(qAbs(at.x() - nameAt.x()) < 3 && qAbs(at.y() - nameAt.y()) < 6,
-             qPrintable(QString("printed at %1,%2").arg(at.x()).arg(at.y())));
-    VERIFY_PROMPTS(prompter);
-}
+    void ticketText()
+    {
+        QFETCH(int, custType);
+        QFETCH(int, senderID);
+        QFETCH(QList<Line>, lines);
+        QFETCH(double, total);
+        QFETCH(QStringList, shown);
+        QFETCH(QStringList, absent);
 
-void TestRptSale::gatewayDoors()
-{
-    TestDb db;
-    ScriptedPrompter prompter;
-    const int sale = addTicket(db, 1, 1, {{"甲气", 100}}, 100);
-    ModalScript script;
-    QString shownTitle;
-    script.on("rptSale", [&](QWidget *w) {
-        shownTitle = w->windowTitle();
-        QVERIFY(qobject_cast<QPrintPreviewDialog *>(w));
-        w->close();
-    });
-    PreviewSale(sale);
-    VERIFY_MODALS(script);
-    QCOMPARE(shownTitle, QStringLiteral("单据打印"));
+        TestDb db;
+        QVERIFY(db.ok());
+        ScriptedPrompter prompter;
+        const int sale = addTicket(db, custType, senderID, lines, total);
+        QVERIFY(printToPdf(db, sale));
+        const QString text = pdfText(db);
+        QVERIFY2(!text.trimmed().isEmpty(), "the PDF holds no text");
+        for (const auto &s : shown)
+            QVERIFY2(text.contains(s), qPrintable(s + " missing in:\n" + text));
+        for (const auto &s : absent)
+            QVERIFY2(!text.contains(s), qPrintable(s + " printed in:\n" + text));
+        QVERIFY(text.contains(QString::number(sale)));
+        const QString fonts = run("pdffonts", {pdfPath(db)});
+        QVERIFY2(fonts.contains("UMing"), qPrintable(fonts));
+        VERIFY_PROMPTS(prompter);
+    }
+    void missingTicketIsReported()
+    {
+        TestDb db;
+        ScriptedPrompter prompter;
+        prompter.expect(QStringLiteral("出现系统故障："), QMessageBox::Ok, true);
+        QVERIFY(!printToPdf(db, 999));
+        QCOMPARE(prompter.last().title, QStringLiteral("失败"));
+        QCOMPARE(prompter.last().icon, QMessageBox::Critical);
+        VERIFY_PROMPTS(prompter);
+    }
+    void layoutFile_data()
+    {
+        QTest::addColumn<QByteArray>("file");  // empty: no sale.rpx
+        QTest::addColumn<QPointF>("nameAt");   // where 张三 prints, in points
 
-    if (!QPrinterInfo::defaultPrinter().isNull())
-        QSKIP("this machine has a printer; the ticket would really print");
-    prompter.expect(QStringLiteral("没有找到默认打印机"), QMessageBox::Ok, true);
-    PrintSale(sale);
-    VERIFY_PROMPTS(prompter);
-}
+        const QPointF builtIn((1440 + 850) / 20.0, (1440 + 425) / 20.0);
+        QTest::newRow("no file") << QByteArray() << builtIn;
+        QTest::newRow("broken XML")
+            << QByteArray("<page width=\"11906\"><field name=\"txtCustName\" left=\"3000\"") << builtIn;
+        QTest::newRow("bad number")
+            << QByteArray("<page><field name=\"txtCustName\" left=\"x\" top=\"0\"/></page>") << builtIn;
+        QTest::newRow("moved field, narrow margins")
+            << QByteArray("<page width=\"11906\" height=\"8000\" left=\"200\" top=\"400\">"
+                          "<field name=\"txtCustName\" left=\"4000\" top=\"3000\" width=\"1500\" height=\"280\"/>"
+                          "<field name=\"txtNoSuchField\" left=\"1\" top=\"1\"/></page>")
+            << QPointF((200 + 4000) / 20.0, (400 + 3000) / 20.0);
+    }
+    void layoutFile()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QPointF, nameAt);
 
-void TestRptSale::designerMovesHidesAndSaves()
-{
-    TestDb db;
-    ScriptedPrompter prompter;
-    const int sale = addTicket(db, 1, 1, {{"甲气", 100}}, 100);
+        TestDb db;
+        ScriptedPrompter prompter;
+        if (!file.isEmpty()) {
+            QFile out(rptSale::layoutPath());
+            QVERIFY(out.open(QIODevice::WriteOnly));
+            out.write(file);
+        }
+        const int sale = addTicket(db, 1, 1, {}, 0);
+        QVERIFY(printToPdf(db, sale));
+        const QPointF at = wordPlace(db, "张三");
+        QVERIFY2(qAbs(at.x() - nameAt.x()) < 3 && qAbs(at.y() - nameAt.y()) < 6,
+                 qPrintable(QString("printed at %1,%2").arg(at.x()).arg(at.y())));
+        VERIFY_PROMPTS(prompter);
+    }
+    void gatewayDoors()
+    {
+        TestDb db;
+        ScriptedPrompter prompter;
+        const int sale = addTicket(db, 1, 1, {{"甲气", 100}}, 100);
+        ModalScript script;
+        QString shownTitle;
+        script.on("rptSale", [&](QWidget *w) {
+            shownTitle = w->windowTitle();
+            QVERIFY(qobject_cast<QPrintPreviewDialog *>(w));
+            w->close();
+        });
+        PreviewSale(sale);
+        VERIFY_MODALS(script);
+        QCOMPARE(shownTitle, QStringLiteral("单据打印"));
 
-    auto *form = Forms::get<frmSalePrintSetup>("frmSalePrintSetup");
-    QVERIFY(form);
-    QCOMPARE(form->windowTitle(), QStringLiteral("打印参数设置"));
-    form->show();
-    auto *designer = form->findChild<PageDesigner *>("ardMain");
-    QVERIFY(designer);
+        if (!QPrinterInfo::defaultPrinter().isNull())
+            QSKIP("this machine has a printer; the ticket would really print");
+        prompter.expect(QStringLiteral("没有找到默认打印机"), QMessageBox::Ok, true);
+        PrintSale(sale);
+        VERIFY_PROMPTS(prompter);
+    }
+    void designerMovesHidesAndSaves()
+    {
+        TestDb db;
+        ScriptedPrompter prompter;
+        const int sale = addTicket(db, 1, 1, {{"甲气", 100}}, 100);
 
-    // Drag the customer's name 100 pixels right and 20 down: 1500 and 300 twips.
-    const QRect name = designer->fieldArea("txtCustName");
-    drag(designer, name.center(), name.center() + QPoint(100, 20));
-    QCOMPARE(form->report()->layout().field("txtCustName")->rect.topLeft(), QPoint(2350, 725));
-    // and nudge it one pixel further right with the keyboard.
-    QTest::keyClick(designer, Qt::Key_Right);
-    QCOMPARE(form->report()->layout().field("txtCustName")->rect.topLeft(), QPoint(2365, 725));
-    // Widen the remark from its corner.
-    const QRect remark = designer->fieldArea("txtDetail");
-    drag(designer, remark.bottomRight() - QPoint(1, 1), remark.bottomRight() + QPoint(29, 9));
-    QCOMPARE(form->report()->layout().field("txtDetail")->rect.size(), QSize(5528 + 450, 270 + 150));
-    QVERIFY(designer->isChanged());
+        auto *form = Forms::get<frmSalePrintSetup>("frmSalePrintSetup");
+        QVERIFY(form);
+        QCOMPARE(form->windowTitle(), QStringLiteral("打印参数设置"));
+        form->show();
+        auto *designer = form->findChild<PageDesigner *>("ardMain");
+        QVERIFY(designer);
 
-    // Drop the remark from the print through its menu; the menu shows it ticked first.
-    auto *popIfPrint = form->findChild<QAction *>("popIfPrint");
-    sendMouse(designer, QEvent::MouseButtonPress, Qt::RightButton,
-              designer->fieldArea("txtDetail").center(), Qt::RightButton);
-    QVERIFY(popIfPrint->isChecked());
-    popIfPrint->trigger();
-    // The font of the operator: size, italic and underline carry, bold does not.
-    ModalScript script;
-    QFont chosen;
-    script.on("cdlFont", [&](QWidget *w) {
-        auto *dialog = qobject_cast<QFontDialog *>(w);
-        QFont f("DejaVu Serif");
-        f.setPointSize(16);
-        f.setItalic(true);
-        f.setUnderline(true);
-        f.setBold(true);
-        dialog->setCurrentFont(f);
-        chosen = dialog->currentFont();
-        dialog->accept();
-    });
-    sendMouse(designer, QEvent::MouseButtonPress, Qt::RightButton,
-              designer->fieldArea("txtOperator").center(), Qt::RightButton);
-    form->findChild<QAction *>("popFont")->trigger();
-    VERIFY_MODALS(script);
+        // Drag the customer's name 100 pixels right and 20 down: 1500 and 300 twips.
+        const QRect name = designer->fieldArea("txtCustName");
+        drag(designer, name.center(), name.center() + QPoint(100, 20));
+        QCOMPARE(form->report()->layout().field("txtCustName")->rect.topLeft(), QPoint(2350, 725));
+        // and nudge it one pixel further right with the keyboard.
+        QTest::keyClick(designer, Qt::Key_Right);
+        QCOMPARE(form->report()->layout().field("txtCustName")->rect.topLeft(), QPoint(2365, 725));
+        // Widen the remark from its corner.
+        const QRect remark = designer->fieldArea("txtDetail");
+        drag(designer, remark.bottomRight() - QPoint(1, 1), remark.bottomRight() + QPoint(29, 9));
+        QCOMPARE(form->report()->layout().field("txtDetail")->rect.size(), QSize(5528 + 450, 270 + 150));
+        QVERIFY(designer->isChanged());
 
-    form->findChild<QAction *>("tlSave")->trigger();
-    QVERIFY(!designer->isChanged());
-    form->findChild<QAction *>("tlExit")->trigger(); // saved: no question
-    cleanup();
-    QVERIFY(!Forms::loaded("frmSalePrintSetup"));
+        // Drop the remark from the print through its menu; the menu shows it ticked first.
+        auto *popIfPrint = form->findChild<QAction *>("popIfPrint");
+        sendMouse(designer, QEvent::MouseButtonPress, Qt::RightButton,
+                  designer->fieldArea("txtDetail").center(), Qt::RightButton);
+        QVERIFY(popIfPrint->isChecked());
+        popIfPrint->trigger();
+        // The font of the operator: size, italic and underline carry, bold does not.
+        ModalScript script;
+        QFont chosen;
+        script.on("cdlFont", [&](QWidget *w) {
+            auto *dialog = qobject_cast<QFontDialog *>(w);
+            QFont f("DejaVu Serif");
+            f.setPointSize(16);
+            f.setItalic(true);
+            f.setUnderline(true);
+            f.setBold(true);
+            dialog->setCurrentFont(f);
+            chosen = dialog->currentFont();
+            dialog->accept();
+        });
+        sendMouse(designer, QEvent::MouseButtonPress, Qt::RightButton,
+                  designer->fieldArea("txtOperator").center(), Qt::RightButton);
+        form->findChild<QAction *>("popFont")->trigger();
+        VERIFY_MODALS(script);
 
-    rptSale reloaded;
-    QVERIFY(reloaded.LoadLayout(rptSale::layoutPath()));
-    const PageField *op = reloaded.layout().field("txtOperator");
-    QCOMPARE(op->fontSize, 16.0);
-    QCOMPARE(op->fontName, chosen.family());
-    QCOMPARE(op->italic, chosen.italic());
-    QVERIFY(op->underline);
-    QVERIFY(chosen.bold() && !op->bold);
-    QVERIFY(!reloaded.layout().field("txtDetail")->visible);
-    // Every ticket prints in bold Song whatever the layout says; the size stays the shop's.
-    reloaded.mCurID = sale;
-    QVERIFY(reloaded.ReportStart());
-    op = reloaded.layout().field("txtOperator");
-    QVERIFY(op->bold && op->fontName == QStringLiteral("宋体") && op->fontSize == 16.0);
+        form->findChild<QAction *>("tlSave")->trigger();
+        QVERIFY(!designer->isChanged());
+        form->findChild<QAction *>("tlExit")->trigger(); // saved: no question
+        cleanup();
+        QVERIFY(!Forms::loaded("frmSalePrintSetup"));
 
-    QVERIFY(printToPdf(db, sale));
-    const QString text = pdfText(db);
-    QVERIFY2(!text.contains("放门口"), qPrintable(text)); // the hidden remark
-    QVERIFY(text.contains("管理员"));
-    const QPointF at = wordPlace(db, "张三");
-    QVERIFY2(qAbs(at.x() - (1440 + 2365) / 20.0) < 3 && qAbs(at.y() - (1440 + 725) / 20.0) < 6,
-             qPrintable(QString("printed at %1,%2").arg(at.x()).arg(at.y())));
-    VERIFY_PROMPTS(prompter);
-}
+        rptSale reloaded;
+        QVERIFY(reloaded.LoadLayout(rptSale::layoutPath()));
+        const PageField *op = reloaded.layout().field("txtOperator");
+        QCOMPARE(op->fontSize, 16.0);
+        QCOMPARE(op->fontName, chosen.family());
+        QCOMPARE(op->italic, chosen.italic());
+        QVERIFY(op->underline);
+        QVERIFY(chosen.bold() && !op->bold);
+        QVERIFY(!reloaded.layout().field("txtDetail")->visible);
+        // Every ticket prints in bold Song whatever the layout says; the size stays the shop's.
+        reloaded.mCurID = sale;
+        QVERIFY(reloaded.ReportStart());
+        op = reloaded.layout().field("txtOperator");
+        QVERIFY(op->bold && op->fontName == QStringLiteral("宋体") && op->fontSize == 16.0);
 
-void TestRptSale::closingAChangedLayoutAsks_data()
-{
-    QTest::addColumn<QMessageBox::StandardButton>("answer");
-    QTest::newRow("yes saves") << QMessageBox::Yes;
-    QTest::newRow("no leaves the file") << QMessageBox::No;
-}
-
-void TestRptSale::closingAChangedLayoutAsks()
-{
-    QFETCH(QMessageBox::StandardButton, answer);
-    TestDb db;
-    ScriptedPrompter prompter;
-    prompter.expect(QStringLiteral("你已经修改了单据的打印格式，要保存吗？"), answer);
-    auto *form = Forms::get<frmSalePrintSetup>("frmSalePrintSetup");
-    form->show();
-    auto *designer = form->findChild<PageDesigner *>("ardMain");
-    const QRect id = designer->fieldArea("txtSaleID");
-    drag(designer, id.center(), id.center() - QPoint(30, 0));
-    form->close();
-    QCOMPARE(prompter.last().title, QStringLiteral("保存"));
-    QCOMPARE(prompter.last().icon, QMessageBox::Question);
-    cleanup();
-    QVERIFY(!Forms::loaded("frmSalePrintSetup"));
-    rptSale reloaded;
-    QCOMPARE(reloaded.LoadLayout(rptSale::layoutPath()), answer == QMessageBox::Yes);
-    QCOMPARE(reloaded.layout().field("txtSaleID")->rect.left(), answer == QMessageBox::Yes ? 7228 - 450 : 7228);
-    VERIFY_PROMPTS(prompter);
-}
+        QVERIFY(printToPdf(db, sale));
+        const QString text = pdfText(db);
+        QVERIFY2(!text.contains("放门口"), qPrintable(text)); // the hidden remark
+        QVERIFY(text.contains("管理员"));
+        const QPointF at = wordPlace(db, "张三");
+        QVERIFY2(qAbs(at.x() - (1440 + 2365) / 20.0) < 3 && qAbs(at.y() - (1440 + 725) / 20.0) < 6,
+                 qPrintable(QString("printed at %1,%2").arg(at.x()).arg(at.y())));
+        VERIFY_PROMPTS(prompter);
+    }
+    void closingAChangedLayoutAsks_data()
+    {
+        QTest::addColumn<QMessageBox::StandardButton>("answer");
+        QTest::newRow("yes saves") << QMessageBox::Yes;
+        QTest::newRow("no leaves the file") << QMessageBox::No;
+    }
+    void closingAChangedLayoutAsks()
+    {
+        QFETCH(QMessageBox::StandardButton, answer);
+        TestDb db;
+        ScriptedPrompter prompter;
+        prompter.expect(QStringLiteral("你已经修改了单据的打印格式，要保存吗？"), answer);
+        auto *form = Forms::get<frmSalePrintSetup>("frmSalePrintSetup");
+        form->show();
+        auto *designer = form->findChild<PageDesigner *>("ardMain");
+        const QRect id = designer->fieldArea("txtSaleID");
+        drag(designer, id.center(), id.center() - QPoint(30, 0));
+        form->close();
+        QCOMPARE(prompter.last().title, QStringLiteral("保存"));
+        QCOMPARE(prompter.last().icon, QMessageBox::Question);
+        cleanup();
+        QVERIFY(!Forms::loaded("frmSalePrintSetup"));
+        rptSale reloaded;
+        QCOMPARE(reloaded.LoadLayout(rptSale::layoutPath()), answer == QMessageBox::Yes);
+        QCOMPARE(reloaded.layout().field("txtSaleID")->rect.left(), answer == QMessageBox::Yes ? 7228 - 450 : 7228);
+        VERIFY_PROMPTS(prompter);
+    }
+};
 
 QTEST_MAIN(TestRptSale)
 #include "tst_rptsale.moc"
