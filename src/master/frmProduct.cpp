@@ -38,11 +38,6 @@ frmProduct::frmProduct()
     chkIsContainer->setObjectName("chkIsContainer");
     cmbContainer = new DataCombo(this);
     cmbContainer->setObjectName("cmbContainer");
-    btnSave = new QPushButton(QStringLiteral("保存"), this);
-    btnSave->setObjectName("btnSave");
-    btnExit = new QPushButton(QStringLiteral("退出"), this);
-    btnExit->setObjectName("btnExit");
-    btnExit->setAutoDefault(false);
 
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("名称："), txtName);
@@ -53,20 +48,12 @@ frmProduct::frmProduct()
     form->addRow(QString(), chkIsDefault);
     form->addRow(QString(), chkIsContainer);
     form->addRow(QStringLiteral("所用空瓶："), cmbContainer);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnSave);
-    buttons->addWidget(btnExit);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttons);
-    setMinimumWidth(360);
+    layOut(form, 360);
 
     connect(txtName, &QLineEdit::textChanged, this, &frmProduct::RefreshControl);
     connect(txtUnit, &QLineEdit::textChanged, this, &frmProduct::RefreshControl);
     connect(chkIsContainer, &QCheckBox::clicked, this, &frmProduct::chkIsContainer_Click);
     connect(btnSave, &QPushButton::clicked, this, &frmProduct::btnSave_Click);
-    connect(btnExit, &QPushButton::clicked, this, [this] { Forms::unload(this); });
 }
 
 void frmProduct::Form_Load()

@@ -32,6 +32,4 @@ private:
     QCheckBox *chkIsDefault;
     QCheckBox *chkIsContainer;
     DataCombo *cmbContainer;
-    QPushButton *btnSave;
-    QPushButton *btnExit;
 };

@@ -35,11 +35,6 @@ frmSender::frmSender()
     lblStation->setObjectName("lblStation");
     cmbStation = new DataCombo(this);
     cmbStation->setObjectName("cmbStation");
-    btnSave = new QPushButton(QStringLiteral("保存"), this);
-    btnSave->setObjectName("btnSave");
-    btnExit = new QPushButton(QStringLiteral("退出"), this);
-    btnExit->setObjectName("btnExit");
-    btnExit->setAutoDefault(false);
 
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("姓名："), txtName);
@@ -48,19 +43,11 @@ frmSender::frmSender()
     form->addRow(QStringLiteral("备注："), txtDetail);
     form->addRow(QString(), chkDisable);
     form->addRow(lblStation, cmbStation);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnSave);
-    buttons->addWidget(btnExit);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttons);
-    setMinimumWidth(340);
+    layOut(form, 340);
 
     connect(txtName, &QLineEdit::textChanged, this,
             [this](const QString &text) { btnSave->setEnabled(!text.trimmed().isEmpty()); });
     connect(btnSave, &QPushButton::clicked, this, &frmSender::btnSave_Click);
-    connect(btnExit, &QPushButton::clicked, this, [this] { Forms::unload(this); });
 }
 
 void frmSender::Form_Load()

@@ -29,6 +29,4 @@ private:
     QCheckBox *chkDisable;
     QLabel *lblStation;
     DataCombo *cmbStation;
-    QPushButton *btnSave;
-    QPushButton *btnExit;
 };

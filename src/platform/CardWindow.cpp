@@ -2,7 +2,11 @@
 
 #include "Forms.h"
 
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QPushButton>
 #include <QTimer>
+#include <QVBoxLayout>
 
 void CardWindow::showEvent(QShowEvent *event)
 {
@@ -19,3 +23,21 @@ void CardWindow::unloadLater()
 }
 
 void CardWindow::reject() { Forms::unload(this); }
+
+void CardWindow::layOut(QFormLayout *form, int minimumWidth)
+{
+    btnSave = new QPushButton(QStringLiteral("保存"), this);
+    btnSave->setObjectName("btnSave");
+    btnExit = new QPushButton(QStringLiteral("退出"), this);
+    btnExit->setObjectName("btnExit");
+    btnExit->setAutoDefault(false);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(btnSave);
+    buttons->addWidget(btnExit);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addLayout(buttons);
+    setMinimumWidth(minimumWidth);
+    connect(btnExit, &QPushButton::clicked, this, [this] { Forms::unload(this); });
+}

@@ -37,11 +37,6 @@ frmUser::frmUser()
     lblStation->setObjectName("lblStation");
     cmbStation = new DataCombo(this);
     cmbStation->setObjectName("cmbStation");
-    btnSave = new QPushButton(QStringLiteral("保存"), this);
-    btnSave->setObjectName("btnSave");
-    btnExit = new QPushButton(QStringLiteral("退出"), this);
-    btnExit->setObjectName("btnExit");
-    btnExit->setAutoDefault(false);
 
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("用户名称："), txtName);
@@ -50,19 +45,11 @@ frmUser::frmUser()
     form->addRow(QStringLiteral("权限设置："), lsbRole);
     form->addRow(QString(), chkDisable);
     form->addRow(lblStation, cmbStation);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnSave);
-    buttons->addWidget(btnExit);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addLayout(buttons);
-    setMinimumWidth(360);
+    layOut(form, 360);
 
     connect(txtName, &QLineEdit::textChanged, this,
             [this](const QString &text) { btnSave->setEnabled(!text.trimmed().isEmpty()); });
     connect(btnSave, &QPushButton::clicked, this, &frmUser::btnSave_Click);
-    connect(btnExit, &QPushButton::clicked, this, [this] { Forms::unload(this); });
 }
 
 void frmUser::Form_Load()

@@ -32,6 +32,4 @@ private:
     QCheckBox *chkDisable;
     QLabel *lblStation;
     DataCombo *cmbStation;
-    QPushButton *btnSave;
-    QPushButton *btnExit;
 };
