@@ -199,29 +199,27 @@ void frmSale::buildLayout()
     cmbSender->setMinimumWidth(110);
     txtTransferFee->setMaximumWidth(80);
 
+    // Captioned fields two to a row, as the totals and the history sums stand.
+    const auto twoColumns = [&label](QGroupBox *box, const QList<QPair<QString, QLineEdit *>> &fields) {
+        auto *grid = new QGridLayout(box);
+        for (int i = 0; i < fields.size(); ++i) {
+            grid->addWidget(label(fields[i].first, fields[i].second), i / 2, (i % 2) * 2);
+            grid->addWidget(fields[i].second, i / 2, (i % 2) * 2 + 1);
+        }
+    };
     auto *figures = new QGroupBox(QStringLiteral("合计"), basic);
-    auto *fg = new QGridLayout(figures);
-    const QList<QPair<QString, QLineEdit *>> due = {{QStringLiteral("应发货总数："), txtTotalAmount},
+    twoColumns(figures, {{QStringLiteral("应发货总数："), txtTotalAmount},
                                                     {QStringLiteral("实发货总数："), txtOutAmount},
                                                     {QStringLiteral("应收现金："), txtTotalMoney},
                                                     {QStringLiteral("实收现金："), txtInMoney},
                                                     {QStringLiteral("应返还空瓶数："), txtTotalContainer},
-                                                    {QStringLiteral("已返还空瓶数："), txtInContainer}};
-    for (int i = 0; i < due.size(); ++i) {
-        fg->addWidget(label(due[i].first, due[i].second), i / 2, (i % 2) * 2);
-        fg->addWidget(due[i].second, i / 2, (i % 2) * 2 + 1);
-    }
+                                                    {QStringLiteral("已返还空瓶数："), txtInContainer}});
     auto *past = new QGroupBox(QStringLiteral("客户历史"), basic);
-    auto *pg = new QGridLayout(past);
-    const QList<QPair<QString, QLineEdit *>> sums = {{QStringLiteral("购水总数量："), txtHistoryAmount},
+    twoColumns(past, {{QStringLiteral("购水总数量："), txtHistoryAmount},
                                                      {QStringLiteral("总购水金额："), txtHistoryMoney},
                                                      {QStringLiteral("总欠费金额："), txtHistoryMoneyBalance},
                                                      {QStringLiteral("总欠空瓶数："), txtHistoryContainerBalance},
-                                                     {QStringLiteral("总购水次数："), txtHistoryTimes}};
-    for (int i = 0; i < sums.size(); ++i) {
-        pg->addWidget(label(sums[i].first, sums[i].second), i / 2, (i % 2) * 2);
-        pg->addWidget(sums[i].second, i / 2, (i % 2) * 2 + 1);
-    }
+                                                     {QStringLiteral("总购水次数："), txtHistoryTimes}});
     auto *remark = new QHBoxLayout;
     auto *remarkLabel = label(QStringLiteral("备    注："), txtDetail);
     remarkLabel->setAlignment(Qt::AlignRight | Qt::AlignTop);
