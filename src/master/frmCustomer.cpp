@@ -1,6 +1,6 @@
 #include "frmCustomer.h"
 
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "data/PickDate.h"
 #include "data/Session.h"

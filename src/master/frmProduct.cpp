@@ -2,7 +2,7 @@
 
 #include "CatalogForms.h"
 
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "data/SqlText.h"
 #include "platform/Forms.h"

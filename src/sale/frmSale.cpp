@@ -2,7 +2,7 @@
 
 #include "TicketGrid.h"
 
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "data/RecordsetModel.h"
 #include "data/Session.h"

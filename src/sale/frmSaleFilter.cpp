@@ -1,6 +1,6 @@
 #include "frmSaleFilter.h"
 
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "data/PickDate.h"
 #include "data/Session.h"

@@ -1,6 +1,6 @@
 #include "frmLogin.h"
 
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "platform/Prompter.h"
 #include "Shell.h"

@@ -1,6 +1,6 @@
 #include "frmUser.h"
 
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "data/SqlText.h"
 #include "platform/Forms.h"

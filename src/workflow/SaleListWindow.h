@@ -1,5 +1,5 @@
 #pragma once
-#include "data/ListWindow.h"
+#include "views/ListWindow.h"
 
 #include <QVariant>
 

@@ -1,4 +1,4 @@
-#include "data/DataCombo.h"
+#include "views/DataCombo.h"
 #include "data/Session.h"
 #include "data/SqlText.h"
 #include "platform/Clock.h"

@@ -1,6 +1,6 @@
 #pragma once
-#include "Recordset.h"
-#include "RecordsetModel.h"
+#include "data/Recordset.h"
+#include "data/RecordsetModel.h"
 
 #include "platform/DbGrid.h"
 

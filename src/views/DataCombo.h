@@ -1,5 +1,5 @@
 #pragma once
-#include "Recordset.h"
+#include "data/Recordset.h"
 
 #include <QComboBox>
 

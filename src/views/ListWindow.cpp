@@ -1,7 +1,7 @@
 #include "ListWindow.h"
 
-#include "Gateway.h"
-#include "Session.h"
+#include "data/Gateway.h"
+#include "data/Session.h"
 
 #include "platform/Clock.h"
 #include "platform/Forms.h"
