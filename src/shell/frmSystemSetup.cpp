@@ -105,7 +105,15 @@ void frmSystemSetup::Form_Load()
     chkSearchAddress->setChecked(GetSysValue("SearchAddress") == "1");
     chkAutoDataRefresh->setChecked(GetSysValue("AutoDataRefresh") == "1");
 
-    const int modem = CInt(Val(GetSysValue("ModemIndex")));
+    // A stored value that is no whole number of the 16-bit range is passed over, like every
+    // failure of this load: the position stays 0 and the program goes on.
+    int modem = 0;
+    try {
+        const QString stored = GetSysValue("ModemIndex");
+        if (!stored.trimmed().isEmpty())
+            modem = CInt(stored);
+    } catch (const VbError &) {
+    }
     if (modem >= 0) {
         cboModem->setCurrentIndex(modem < cboModem->count() ? modem : -1);
         if (cboModem->currentIndex() >= 0 && g_opener)

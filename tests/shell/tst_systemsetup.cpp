@@ -70,6 +70,11 @@ void TestSystemSetup::loadShowsStoredValues_data()
                             << "10101" << 1 << QList<int>{7} << "427" << "7";
     QTest::newRow("no device chosen") << QStringList{"ModemIndex=-1", "SearchAddress=1"} << "00010" << -1
                                       << QList<int>{} << "0" << "0";
+    // Neither stops the load: the position stays at the first device.
+    QTest::newRow("beyond a whole number") << QStringList{"ModemIndex=40000"} << "00000" << 0
+                                           << QList<int>{3} << "0" << "0";
+    QTest::newRow("not a number") << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00000" << 0
+                                  << QList<int>{3} << "0" << "8";
 }
 
 void TestSystemSetup::loadShowsStoredValues()
