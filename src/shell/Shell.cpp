@@ -1,5 +1,6 @@
 #include "Shell.h"
 
+#include "InstanceGuard.h"
 #include "frmAbout.h"
 #include "frmChangePwd.h"
 #include "frmLogin.h"
@@ -23,9 +24,7 @@
 #include "sale/TicketForms.h"
 #include "workflow/WorkflowForms.h"
 
-#include <QDir>
 #include <QLibraryInfo>
-#include <QLockFile>
 #include <QTranslator>
 
 static void initShellResources() { Q_INIT_RESOURCE(shell_icons); }
@@ -94,7 +93,7 @@ bool Shell::startSession()
         }
         Session::UserID = CInt(login->boundUser());
         Forms::unload(login);
-        Forms::get("frmMain")->show();
+        Forms::get("frmMain")->showMaximized();
         return true;
     } catch (const VbError &e) {
         Msg::error(QStringLiteral("\\r\\n系统出现如下错误： # ") + QString::number(e.number())
@@ -104,12 +103,30 @@ bool Shell::startSession()
     }
 }
 
+void Shell::bringToFront()
+{
+    // The main window, and over it whatever dialog waits for an answer (the login at first).
+    QList<QWidget *> windows;
+    if (QWidget *main = Forms::loaded("frmMain"); main && main->isVisible())
+        windows << main;
+    if (QWidget *modal = QApplication::activeModalWidget())
+        windows << modal;
+    for (QWidget *w : windows) {
+        w->setWindowState(w->windowState() & ~Qt::WindowMinimized);
+        w->show();
+        w->raise();
+        w->activateWindow();
+    }
+}
+
 int Shell::run(QApplication &app)
 {
-    // One instance per machine: a second one ends at once, with no message.
-    QLockFile instance(QDir::temp().filePath(QStringLiteral("Tarvik.instance.lock")));
-    if (!instance.tryLock(0))
+    // One instance per machine: a second start brings this one forward and ends, with no
+    // message.
+    InstanceGuard instance;
+    if (!instance.claim())
         return 0;
+    QObject::connect(&instance, &InstanceGuard::raiseRequested, &bringToFront);
     QApplication::setApplicationName(QStringLiteral("Tarvik"));
     QApplication::setApplicationVersion(QStringLiteral(TARVIK_VERSION));
     // The standard dialogs (fonts, page setup, printing) speak the shop's language too.

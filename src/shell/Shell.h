@@ -23,6 +23,8 @@ void registerAllForms();
 // The entry routine up to the main window: database, company name, splash, login.
 // False when the program is to end (failure, or no login).
 bool startSession();
+// Brings the running program's windows to the front (asked for by a second start).
+void bringToFront();
 // The whole entry routine: one instance per machine, the session, then the window loop.
 int run(QApplication &app);
 }
