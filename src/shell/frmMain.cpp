@@ -55,8 +55,13 @@ frmMain::frmMain()
     setToolStateHandler([this](const QString &name) { ToolState::apply(*m_bar, name); });
     // The tools follow the list window that comes to the front; leaving one changes nothing.
     connect(m_mdi, &QMdiArea::subWindowActivated, this, [](QMdiSubWindow *sub) {
-        if (sub && sub->widget())
-            SetToolState(sub->widget()->objectName());
+        if (!sub || !sub->widget())
+            return;
+        // The home list fills the work area whenever it comes forward, also when the window
+        // that stood maximised in front of it closes and leaves it at its restored size.
+        if (sub->widget()->objectName() == "frmSaleAdmin" && !sub->isMinimized())
+            sub->showMaximized();
+        SetToolState(sub->widget()->objectName());
     });
     Form_Load();
 }
@@ -86,7 +91,7 @@ void frmMain::showChild(const QString &name)
         return;
     for (QMdiSubWindow *sub : m_mdi->subWindowList()) {
         if (sub->widget() == form) {
-            sub->showNormal();
+            sub->showMaximized();
             m_mdi->setActiveSubWindow(sub);
             return;
         }

@@ -1,5 +1,6 @@
 #include "shell/CommandBar.h"
 #include "shell/Shell.h"
+#include "shell/ToolState.h"
 #include "shell/frmMain.h"
 
 #include "data/Session.h"
@@ -54,6 +55,7 @@ private slots:
     void missingWindowsAndProceduresAreQuiet();
     void rowMovement_data();
     void rowMovement();
+    void saleListReachedByClosingFront_data();
     void saleListReachedByClosingFront();
     void endingTheProgram_data();
     void endingTheProgram();
@@ -61,9 +63,24 @@ private slots:
     void tiling_data();
     void tiling();
     void operatorsWindowReappliesRights();
+    void rightsSwitchOff_data();
+    void rightsSwitchOff();
+    void refusedSaleListStartsWithoutIt();
+    void toolStatePerWindow_data();
+    void toolStatePerWindow();
+    void laterCallWins();
 
 private:
     frmMain *main() { return Forms::get<frmMain>("frmMain"); }
+    // The main window as it loads for an operator with these rights.
+    frmMain *openMain(const QString &roles)
+    {
+        Forms::unloadAll();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_saleAdminLoads = 0;
+        m_db->exec("UPDATE SysUser SET rolestring='" + roles + "' WHERE ID=1");
+        return main();
+    }
     void press(const QString &band, const QString &tool)
     {
         QAction *a = main()->acbMain()->tool(band, tool);
@@ -72,12 +89,16 @@ private:
     }
     std::unique_ptr<TestDb> m_db;
     int m_ended = 0;
+    int m_saleAdminLoads = 0;
 };
 
 void TestMainWindow::initTestCase()
 {
     Shell::registerShellForms();
-    Forms::add("frmSaleAdmin", [] { return new frmFakeList; });
+    Forms::add("frmSaleAdmin", [this] {
+        ++m_saleAdminLoads;
+        return new frmFakeList;
+    });
     Forms::add("frmMoneyAdmin", [] { return new frmFakeList; });
     Shell::setEndProgram([this] { ++m_ended; });
 }
@@ -86,10 +107,11 @@ void TestMainWindow::init()
 {
     m_db = std::make_unique<TestDb>();
     QVERIFY(m_db->ok());
-    m_db->exec("UPDATE SysUser SET rolestring='11111111'");
     Session::UserID = 1;
+    Session::SaleAdminClosable = false;
+    Session::CompanyName = "东城水站";
     m_ended = 0;
-    main()->show();
+    openMain("11111111")->show();
 }
 
 void TestMainWindow::cleanup()
@@ -194,16 +216,29 @@ void TestMainWindow::rowMovement()
     QCOMPARE(grid->currentIndex().column(), 1);
 }
 
+void TestMainWindow::saleListReachedByClosingFront_data()
+{
+    QTest::addColumn<bool>("byTool"); // 销售开票, or the close box of the window in front
+    QTest::newRow("tool") << true;
+    QTest::newRow("close box") << false;
+}
+
 void TestMainWindow::saleListReachedByClosingFront()
 {
+    QFETCH(bool, byTool);
     press("popDaily", "tlMoneyAdmin");
-    QVERIFY(Forms::loaded("frmMoneyAdmin"));
-    press("barNavChild", "tlSaleAdmin");
+    QMdiSubWindow *front = main()->mdiArea()->activeSubWindow();
+    QVERIFY(front && front->isMaximized());
+    if (byTool)
+        press("barNavChild", "tlSaleAdmin");
+    else
+        front->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!Forms::loaded("frmMoneyAdmin"));
     QWidget *sale = Forms::loaded("frmSaleAdmin");
-    QVERIFY(sale);
     QCOMPARE(Forms::activeChild(), sale);
+    // Back in front, the sale list fills the work area again.
+    QTRY_VERIFY(main()->mdiArea()->activeSubWindow()->isMaximized());
     // With the sale list in front the tool does nothing.
     press("barNavChild", "tlSaleAdmin");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -297,6 +332,128 @@ void TestMainWindow::operatorsWindowReappliesRights()
     press("popFile", "tlUserAdmin");
     VERIFY_MODALS(script);
     QVERIFY(!main()->acbMain()->isEnabled("popDaily", "tlStoreAdmin"));
+}
+
+// Tools that are on with all rights and off for the refused position (band/tool).
+void TestMainWindow::rightsSwitchOff_data()
+{
+    QTest::addColumn<QString>("roles");
+    QTest::addColumn<QStringList>("off");
+    QTest::addColumn<QStringList>("stillOn");
+    QTest::newRow("all rights") << "11111111" << QStringList{"popDaily/tlGrpStationAdmin"}
+                                << QStringList{"popFile/tlUserAdmin", "mnuMain/mnuSearch",
+                                               "popDaily/tlSaleAdmin", "barTool/tlInMoney"};
+    QTest::newRow("system") << "01111111"
+                            << QStringList{"popFile/tlUserAdmin", "popFile/tlSysConfigure",
+                                           "popFile/tlSysReset", "popFile/tlSalePrintSetup",
+                                           "popDaily/tlSenderAdmin", "popDaily/tlProductAdmin",
+                                           "popDaily/tlCustomerAdmin"}
+                            << QStringList{"popFile/tlChangePwd", "popFile/tlClearUser",
+                                           "popFile/tlPrintSetup"};
+    QTest::newRow("money") << "11011111"
+                           << QStringList{"popDaily/tlMoneyAdmin", "mnuMain/mnuMoney",
+                                          "barTool/tlOutMoney", "barTool/tlInMoney"}
+                           << QStringList{"barNavChild/tlMoneyAdmin", "popMoney/tlInMoney"};
+    QTest::newRow("reports") << "11111110" << QStringList{"mnuMain/mnuSearch"}
+                             << QStringList{"popSearch/mnuDayReport", "popDaily/tlTodayReport"};
+    QTest::newRow("short string refuses nothing more")
+        << "1101" << QStringList{"mnuMain/mnuMoney"}
+        << QStringList{"mnuMain/mnuSearch", "popDaily/tlTodayReport"};
+    QTest::newRow("only a 0 refuses") << "1x1 1111" << QStringList{}
+                                      << QStringList{"popDaily/tlSaleAdmin", "mnuMain/mnuMoney"};
+}
+
+void TestMainWindow::rightsSwitchOff()
+{
+    QFETCH(QString, roles);
+    QFETCH(QStringList, off);
+    QFETCH(QStringList, stillOn);
+    CommandBar &bar = *openMain(roles)->acbMain();
+    for (const QString &t : off + stillOn) {
+        const QString band = t.section('/', 0, 0), tool = t.section('/', 1);
+        QVERIFY2(bar.hasTool(band, tool), qPrintable(t));
+        QVERIFY2(bar.isEnabled(band, tool) == stillOn.contains(t), qPrintable(t));
+    }
+    QVERIFY(!bar.isEnabled("popDaily", "tlGrpStationAdmin"));
+    QCOMPARE(Forms::loaded("frmSaleAdmin") != nullptr, roles.at(1) != '0');
+    QVERIFY(!Session::SaleAdminClosable);
+}
+
+void TestMainWindow::refusedSaleListStartsWithoutIt()
+{
+    frmMain *main = openMain("10111111");
+    QVERIFY(Session::SaleAdminClosable);
+    QCOMPARE(m_saleAdminLoads, 1);
+    QVERIFY(!Forms::loaded("frmSaleAdmin"));
+    QVERIFY(!main->acbMain()->isEnabled("popDaily", "tlSaleAdmin"));
+    QVERIFY(main->acbMain()->isEnabled("barNavChild", "tlSaleAdmin"));
+}
+
+// One row per kind of change: tools off, captions, menus, the list of tlDel.
+void TestMainWindow::toolStatePerWindow_data()
+{
+    QTest::addColumn<QString>("form");
+    QTest::addColumn<QStringList>("toolsOff");
+    QTest::addColumn<QStringList>("menusOff");
+    QTest::addColumn<QStringList>("captions"); // tool=caption for the four changeable ones
+    QTest::addColumn<bool>("delAllOn");
+    const QStringList usual{"tlDel=删除", "tlEdit=修改", "tlPrintSale=打印单据", "tlFilter=查询"};
+    const QStringList all3{"mnuAmount", "mnuContainer", "mnuMoney"};
+    QTest::newRow("frmSaleAdmin") << "frmSaleAdmin" << QStringList{"tlChart", "tlFinish"}
+                                  << QStringList{} << usual << true;
+    QTest::newRow("frmMoneyAdmin")
+        << "frmMoneyAdmin" << QStringList{"tlAdd", "tlDel", "tlChart", "tlFinish", "tlInAmount", "tlOutAmount"}
+        << QStringList{"mnuAmount", "mnuContainer"}
+        << QStringList{"tlDel=删除", "tlEdit=打开", "tlPrintSale=打印单据", "tlFilter=查询"} << true;
+    QTest::newRow("frmCustomerAdmin")
+        << "frmCustomerAdmin"
+        << QStringList{"tlChart", "tlPrintSale", "tlFinish", "tlInMoney", "tlOutMoney", "tlInAmount", "tlOutAmount"}
+        << all3 << usual << false;
+    QTest::newRow("frmTodayReport")
+        << "frmTodayReport"
+        << QStringList{"tlAdd", "tlEdit", "tlDel", "tlChart", "tlInMoney", "tlOutMoney", "tlInAmount", "tlOutAmount"}
+        << all3 << QStringList{"tlDel=删除", "tlEdit=修改", "tlPrintSale=打印报表", "tlFilter=设定日期"} << true;
+    QTest::newRow("not a list window") << "frmSomethingElse" << QStringList{} << QStringList{} << usual
+                                       << true;
+}
+
+void TestMainWindow::toolStatePerWindow()
+{
+    QFETCH(QString, form);
+    QFETCH(QStringList, toolsOff);
+    QFETCH(QStringList, menusOff);
+    QFETCH(QStringList, captions);
+    QFETCH(bool, delAllOn);
+    CommandBar &bar = *main()->acbMain();
+    // Start from the most restrictive windows so that every tool has to come back on.
+    for (const char *before : {"frmHistoryCall", "frmCustomerAdmin", "frmTodayReport"})
+        SetToolState(before);
+    SetToolState(form);
+    for (const QString &tool : bar.tools("barTool"))
+        QVERIFY2(bar.isEnabled("barTool", tool) == !toolsOff.contains(tool), qPrintable(tool));
+    for (const QString menu : {"mnuAmount", "mnuContainer", "mnuMoney"})
+        QVERIFY2(bar.isEnabled("mnuMain", menu) == !menusOff.contains(menu), qPrintable(menu));
+    for (const QString &c : captions)
+        QCOMPARE(bar.caption("barTool", c.section('=', 0, 0)), c.section('=', 1));
+    QCOMPARE(bar.isEnabled("popDel", "tlDelAll"), delAllOn);
+    // The same tools on the drop-down menus are not the toolbar's: they keep their state.
+    QVERIFY(bar.isEnabled("popOperate", "tlAdd"));
+    QCOMPARE(bar.caption("popOperate", "tlEdit"), QStringLiteral("修改记录"));
+    QCOMPARE(bar.panelText("stbCompany"), QStringLiteral("东城水站"));
+    QCOMPARE(bar.panelText("stbUser"), QStringLiteral("管理员"));
+}
+
+void TestMainWindow::laterCallWins()
+{
+    // Refused money: off at start, on again once a list window leaves it on.
+    CommandBar &bar = *openMain("11011111")->acbMain();
+    SetRights(1);
+    QVERIFY(!bar.isEnabled("barTool", "tlInMoney"));
+    QVERIFY(!bar.isEnabled("mnuMain", "mnuMoney"));
+    SetToolState("frmSaleAdmin");
+    QVERIFY(bar.isEnabled("barTool", "tlInMoney"));
+    QVERIFY(bar.isEnabled("mnuMain", "mnuMoney"));
+    QVERIFY(!bar.isEnabled("popDaily", "tlMoneyAdmin"));
 }
 
 QTEST_MAIN(TestMainWindow)
