@@ -25,6 +25,7 @@
 #include "workflow/WorkflowForms.h"
 
 #include <QLibraryInfo>
+#include <QScreen>
 #include <QTranslator>
 
 static void initShellResources() { Q_INIT_RESOURCE(shell_icons); }
@@ -93,7 +94,12 @@ bool Shell::startSession()
         }
         Session::UserID = CInt(login->boundUser());
         Forms::unload(login);
-        Forms::get("frmMain")->showMaximized();
+        QWidget *main = Forms::get("frmMain");
+        // The work area of the screen also where no window manager acts on the maximised
+        // state.
+        if (QScreen *screen = QGuiApplication::primaryScreen())
+            main->setGeometry(screen->availableGeometry());
+        main->showMaximized();
         return true;
     } catch (const VbError &e) {
         Msg::error(QStringLiteral("\\r\\n系统出现如下错误： # ") + QString::number(e.number())
