@@ -26,8 +26,7 @@ private slots:
     void cleanup();
     void password_data();
     void password();
-    void listShowsEnabledOperatorsOnly();
-    void noOperatorChosen();
+    void loginListsEnabledOperatorsOnly();
     void changePassword_data();
     void changePassword();
     void newOperators_data();
@@ -103,7 +102,7 @@ void TestOperators::password()
     QVERIFY(prompter.shown().isEmpty() || prompter.last().title == QStringLiteral("错误"));
 }
 
-void TestOperators::listShowsEnabledOperatorsOnly()
+void TestOperators::loginListsEnabledOperatorsOnly()
 {
     m_db->exec("INSERT INTO SysUser(Name,Pwd,rolestring,Status,StationID) VALUES('停用者','','11111111','0',1)");
     m_db->exec("INSERT INTO SysUser(Name,Pwd,rolestring,Status,StationID) VALUES('张伟','','11111111','1',1)");
@@ -113,11 +112,9 @@ void TestOperators::listShowsEnabledOperatorsOnly()
     for (int i = 0; i < cmb->count(); ++i)
         names << cmb->itemText(i);
     QCOMPARE(names, (QStringList{"管理员", "张伟"}));
-}
 
-void TestOperators::noOperatorChosen()
-{
     // With nobody enabled the list is empty and OK can only ask for a choice.
+    Forms::unload(login);
     m_db->exec("UPDATE SysUser SET Status='0'");
     ScriptedPrompter prompter;
     prompter.expect("请先选定用户名！").expect("请先选定用户名！");
@@ -129,7 +126,7 @@ void TestOperators::noOperatorChosen()
         QVERIFY(w->isVisible());
         ModalScript::click(w, "cmdCancel");
     });
-    auto *login = Forms::get<frmLogin>("frmLogin");
+    login = Forms::get<frmLogin>("frmLogin");
     Modal::exec(login);
     VERIFY_MODALS(script);
     VERIFY_PROMPTS(prompter);
