@@ -117,6 +117,7 @@ private slots:
     void cleanup()
     {
         Forms::unloadAll();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         prompts.reset();
         db.reset();
     }
