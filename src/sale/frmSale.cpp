@@ -15,7 +15,6 @@
 #include "platform/VbRules.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QGroupBox>

@@ -6,9 +6,9 @@
 #include "data/PickDate.h"
 #include "data/Session.h"
 #include "master/CustomerForms.h"
+#include "master/frmCustomer.h"
 #include "platform/Clock.h"
 #include "platform/Forms.h"
-#include "platform/Modal.h"
 
 #include <QCalendarWidget>
 #include <QCheckBox>
@@ -36,10 +36,7 @@ void openCard(int mode, int id, const ModalScript::Handler &handler, const QStri
     });
     if (!inner.isEmpty())
         modals.on(inner, innerHandler);
-    QWidget *card = Forms::get(QStringLiteral("frmCustomer"));
-    card->setProperty("mActionType", mode);
-    card->setProperty("mCurID", id);
-    Modal::exec(card);
+    frmCustomer::openFor(mode, id);
     VERIFY_MODALS(modals);
 }
 }
@@ -88,7 +85,6 @@ private slots:
         QFETCH(QString, account);
         QFETCH(QString, storedAccount);
         QFETCH(QString, proposedNext);
-        Session::SelectedCustomerID = 0;
         bool stayedOpen = false;
         QString nextAccount, addressAfter, dateShown;
         openCard(1, 0, [&](QWidget *card) {
