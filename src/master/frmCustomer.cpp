@@ -175,6 +175,31 @@ bool frmCustomer::Form_Load()
     return true;
 }
 
+int frmCustomer::openFor(int action, int id)
+{
+    auto *card = Forms::get<frmCustomer>(QStringLiteral("frmCustomer"));
+    if (!card)
+        return 0;
+    Session::SelectedCustomerID = 0;
+    card->mActionType = action;
+    card->mCurID = id;
+    Modal::exec(card);
+    return Session::SelectedCustomerID;
+}
+
+int frmCustomer::openForTicket(const QString &phone, const QString &address)
+{
+    Session::SelectedCustomerID = 0;
+    txtPhone->setText(phone);
+    txtAddress->setText(address);
+    chkAutoID->setEnabled(false);
+    txtAccount->setEnabled(false);
+    setBase(txtAccount, palette().color(QPalette::Window));
+    mActionType = 1;
+    Modal::exec(this);
+    return Session::SelectedCustomerID;
+}
+
 // ---------------------------------------------------------------------------------------------
 // The fields
 
@@ -212,9 +237,8 @@ bool frmCustomer::eventFilter(QObject *watched, QEvent *event)
 
 void frmCustomer::btnDate_Click()
 {
-    const QDate picked = PickDate();
-    if (picked.isValid())
-        txtCreateDate->setText(DateText(picked));
+    // A calendar closed without a choice empties the field; leaving it then asks for a date.
+    txtCreateDate->setText(DateText(PickDate()));
 }
 
 void frmCustomer::btnExit_Click() { closeCard(); }

@@ -24,6 +24,14 @@ public:
     // False when the customer to edit is gone, and the card then closes.
     bool Form_Load();
 
+    // Shows the card modally on a new customer (1) or on the customer of that ID (2); gives
+    // the ID of the last new customer saved, 0 when none was.
+    static int openFor(int action, int id = 0);
+    // The card as the ticket opens it: a new customer at the ticket's phone and address, his
+    // account numbered by the system, since the ticket looks him up by that number. Gives
+    // the ID of the last new customer saved, 0 when none was.
+    Q_INVOKABLE int openForTicket(const QString &phone, const QString &address);
+
 public slots:
     int exec() override;
     // Escape and the close box leave the way btnExit does.

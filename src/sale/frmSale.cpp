@@ -1,8 +1,7 @@
 #include "frmSale.h"
 
-#include "TicketGrid.h"
-
 #include "views/DataCombo.h"
+#include "views/LineGrid.h"
 #include "data/Gateway.h"
 #include "data/RecordsetModel.h"
 #include "data/Session.h"
@@ -16,7 +15,6 @@
 #include "platform/VbRules.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -28,6 +26,7 @@
 #include <QListView>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -85,7 +84,7 @@ template <class F> void frmSale::guarded(F &&f)
     }
 }
 
-frmSale::frmSale(QWidget *parent) : QDialog(parent), m_lines(new TicketLines(this))
+frmSale::frmSale(QWidget *parent) : QDialog(parent), m_lines(new LineTable(LineTable::ticket(), this))
 {
     setObjectName(QStringLiteral("frmSale"));
     setWindowTitle(QStringLiteral("销售单据"));
@@ -162,7 +161,7 @@ void frmSale::buildLayout()
     lblStation = new QLabel(QStringLiteral("所辖供水站："), this);
     lblStation->setObjectName(QStringLiteral("lblStation"));
 
-    dbgDetail = new TicketGrid(this);
+    dbgDetail = new LineGrid(this);
     dbgDetail->setObjectName(QStringLiteral("dbgDetail"));
 
     // The customer block.
@@ -291,8 +290,10 @@ void frmSale::buildLayout()
     btnPreview = button(QStringLiteral("btnPreview"), QStringLiteral("打印预览"));
     btnPrintSetup = button(QStringLiteral("btnPrintSetup"), QStringLiteral("打印设置"));
     btnExit = button(QStringLiteral("btnExit"), QStringLiteral("退出"));
-    btnSave->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
-    btnSavePrint->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this), &QShortcut::activated, this,
+            [this] { saveByKey(btnSave); });
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_P), this), &QShortcut::activated, this,
+            [this] { saveByKey(btnSavePrint); });
     btnSave->setToolTip(QStringLiteral("Ctrl+S"));
     btnSavePrint->setToolTip(QStringLiteral("Ctrl+P"));
 
@@ -351,25 +352,8 @@ void frmSale::buildLayout()
 
 void frmSale::setUpDetailGrid()
 {
-    m_lines->setInfoBrush(QBrush(palette().color(QPalette::Window)));
-    dbgDetail->setModel(m_lines);
-    const int widths[] = {1100, 2200, 1000, 1000, 900, 1300};
-    for (int c = 0; c < TicketLines::ShownColumns; ++c)
-        dbgDetail->setColumnWidth(c, RecordsetModel::twipsToPixels(widths[c]));
-    dbgDetail->horizontalHeader()->setStretchLastSection(true);
-    m_lines->setHandlers(
-        [this](int row, int column, const QString &text) {
-            m_currentRow = row;
-            bool cancel = false;
-            BeforeColUpdate(column, text, &cancel);
-            if (cancel)
-                dbgDetail->refuseCommit();
-            return !cancel;
-        },
-        [this](int row, int column) {
-            m_currentRow = row;
-            AfterColUpdate(column);
-        });
+    dbgDetail->setLines(m_lines);
+    connect(m_lines, &LineTable::cellCommitted, this, [this] { guarded([this] { SumArray(); }); });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -571,39 +555,50 @@ bool frmSale::eventFilter(QObject *watched, QEvent *event)
     if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason || !isVisible())
         return QDialog::eventFilter(watched, event);
 
-    auto keepFocus = [](QLineEdit *field) {
+    if (!leaveField(watched)) {
+        auto *field = static_cast<QWidget *>(watched);
         QTimer::singleShot(0, field, [field] { field->setFocus(); });
-    };
-    if (watched == txtCustAccount) {
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+bool frmSale::leaveField(QObject *field)
+{
+    if (field == txtCustAccount) {
         if (!validateCustAccount())
-            keepFocus(txtCustAccount);
-        else if (!txtCustAccount->text().isEmpty())
+            return false;
+        if (!txtCustAccount->text().isEmpty())
             guarded([this] { GetCustomerInfo(0); });
-    } else if (watched == txtCustPhone) {
+    } else if (field == txtCustPhone) {
         if (!txtCustPhone->text().isEmpty())
             guarded([this] { GetCustomerInfo(1); });
-    } else if (watched == txtCustAddress) {
+    } else if (field == txtCustAddress) {
         if (!txtCustAddress->text().isEmpty())
             guarded([this] { GetCustomerInfo(2); });
         // Going down into the list keeps it; leaving anywhere else puts it away.
         if (QApplication::focusWidget() != dtlCustomer)
             dtlCustomer->hide();
-    } else if (watched == txtInContainer) {
-        if (!validateActualFigure(txtInContainer, txtTotalContainer,
-                                  QStringLiteral("错误，实际回收空瓶超过应回收空瓶数！")))
-            keepFocus(txtInContainer);
-    } else if (watched == txtInMoney) {
-        if (!validateActualFigure(txtInMoney, txtTotalMoney, QStringLiteral("错误，实收现金超过应收现金！")))
-            keepFocus(txtInMoney);
-    } else if (watched == txtOutAmount) {
-        if (!validateActualFigure(txtOutAmount, txtTotalAmount,
-                                  QStringLiteral("错误，实际出库超过定单应出货量！")))
-            keepFocus(txtOutAmount);
-    } else if (watched == txtTransferFee) {
-        if (!validateTransferFee())
-            keepFocus(txtTransferFee);
+    } else if (field == txtInContainer) {
+        return validateActualFigure(txtInContainer, txtTotalContainer,
+                                    QStringLiteral("错误，实际回收空瓶超过应回收空瓶数！"));
+    } else if (field == txtInMoney) {
+        return validateActualFigure(txtInMoney, txtTotalMoney, QStringLiteral("错误，实收现金超过应收现金！"));
+    } else if (field == txtOutAmount) {
+        return validateActualFigure(txtOutAmount, txtTotalAmount, QStringLiteral("错误，实际出库超过定单应出货量！"));
+    } else if (field == txtTransferFee) {
+        return validateTransferFee();
     }
-    return QDialog::eventFilter(watched, event);
+    return true;
+}
+
+void frmSale::saveByKey(QPushButton *button)
+{
+    if (!button->isVisibleTo(this))
+        return;
+    QWidget *field = QApplication::focusWidget();
+    const bool finished = field && dbgDetail->isAncestorOf(field) ? dbgDetail->finishEditing() : leaveField(field);
+    if (finished && button->isEnabled())
+        button->click();
 }
 
 bool frmSale::validateCustAccount()
@@ -787,27 +782,14 @@ bool frmSale::GetCustomerInfo(int mGetType)
 
 void frmSale::btnAddCustomer_Click()
 {
-    Session::SelectedCustomerID = 0;
     QWidget *card = Forms::get(QStringLiteral("frmCustomer"));
-    if (!card)
+    int made = 0;
+    if (!card
+        || !QMetaObject::invokeMethod(card, "openForTicket", Qt::DirectConnection, Q_RETURN_ARG(int, made),
+                                      Q_ARG(QString, txtCustPhone->text()), Q_ARG(QString, txtCustAddress->text())))
         return;
-    if (auto *phone = card->findChild<QLineEdit *>(QStringLiteral("txtPhone")))
-        phone->setText(txtCustPhone->text());
-    if (auto *address = card->findChild<QLineEdit *>(QStringLiteral("txtAddress")))
-        address->setText(txtCustAddress->text());
-    // The card must number the account itself: the ticket looks the new customer up by it.
-    if (auto *autoID = card->findChild<QCheckBox *>(QStringLiteral("chkAutoID")))
-        autoID->setEnabled(false);
-    if (auto *account = card->findChild<QLineEdit *>(QStringLiteral("txtAccount"))) {
-        account->setEnabled(false);
-        QPalette p = account->palette();
-        p.setColor(QPalette::Base, card->palette().color(QPalette::Window));
-        account->setPalette(p);
-    }
-    card->setProperty("mActionType", 1);
-    Modal::exec(card);
-    if (Session::SelectedCustomerID != 0) {
-        txtCustAccount->setText(QString::number(Session::SelectedCustomerID));
+    if (made != 0) {
+        txtCustAccount->setText(QString::number(made));
         guarded([this] { GetCustomerInfo(0); });
     }
 }
@@ -815,46 +797,9 @@ void frmSale::btnAddCustomer_Click()
 // ---------------------------------------------------------------------------------------------
 // The lines and their totals
 
-void frmSale::BeforeColUpdate(int colIndex, const QString &text, bool *cancel)
-{
-    switch (colIndex) {
-    case TicketLines::ProductID:
-        if (text.isEmpty()) {
-            // Clearing the code is how a line is taken off.
-            m_lines->clearRow(m_currentRow);
-        } else if (!FillProductInfoByID(text)) {
-            Msg::error(QStringLiteral("产品编号不存在或已被禁用，请重新输入!"), QStringLiteral("商品编号"));
-            *cancel = true;
-        }
-        break;
-    case TicketLines::ProductPrice:
-        if (Val(text) == 0) {
-            Msg::error(QStringLiteral("商品价格必须为数字，且不能为0！"), QStringLiteral("价格"));
-            *cancel = true;
-        }
-        break;
-    case TicketLines::ProductAmount:
-        if (Val(text) == 0) {
-            Msg::error(QStringLiteral("商品数量必须为数字，且不能为0！"), QStringLiteral("数量"));
-            *cancel = true;
-        }
-        break;
-    default:
-        break;
-    }
-}
-
-bool frmSale::FillProductInfoByID(const QString &id) { return m_lines->fillProduct(m_currentRow, id); }
-
-void frmSale::AfterColUpdate(int)
-{
-    m_lines->computeMoney(m_currentRow);
-    guarded([this] { SumArray(); });
-}
-
 void frmSale::SumArray()
 {
-    const TicketLines::Totals t = m_lines->totals();
+    const LineTable::Totals t = m_lines->totals();
     txtTotalAmount->setText(QString::number(t.amount));
     txtTotalMoney->setText(NumText(t.money));
     txtTotalContainer->setText(QString::number(t.containers));
@@ -1047,16 +992,16 @@ bool frmSale::writeLines()
     for (int row = 0; row < m_lines->lineCount(); ++row) {
         if (!m_lines->isLine(row))
             continue;
-        const QString code = m_lines->text(row, TicketLines::ProductID).trimmed();
-        const QVariant typedAmount = m_lines->value(row, TicketLines::ProductAmount);
+        const QString code = m_lines->text(row, LineTable::ProductID).trimmed();
+        const QVariant typedAmount = m_lines->value(row, LineTable::ProductAmount);
         // A new ticket carries its quantities as 16-bit numbers, an edited one as 32-bit.
         const QString amount = mActionType == 2 ? QString::number(CLng(typedAmount))
                                                 : QString::number(CInt(typedAmount));
         const bool written = ExecuteSql(
             QStringLiteral("insert into Sale_detail(SaleID,ProductID,Price,MyAmount,MyMoney,IsContainer)  values(")
             + saleID + QStringLiteral(",") + Sql::number(code) + QStringLiteral(",")
-            + Sql::number(m_lines->text(row, TicketLines::ProductPrice)) + QStringLiteral(",") + amount
-            + QStringLiteral(",") + Sql::number(m_lines->text(row, TicketLines::ProductMoney))
+            + Sql::number(m_lines->text(row, LineTable::ProductPrice)) + QStringLiteral(",") + amount
+            + QStringLiteral(",") + Sql::number(m_lines->text(row, LineTable::ProductMoney))
             + QStringLiteral(",'0')"));
         if (!written) {
             Conn.RollbackTrans();

@@ -1,5 +1,5 @@
 #pragma once
-#include "TicketLines.h"
+#include "views/LineTable.h"
 
 #include <QDialog>
 
@@ -12,7 +12,7 @@ class QTabWidget;
 class QTableView;
 class DataCombo;
 class RecordsetModel;
-class TicketGrid;
+class LineGrid;
 
 // The ticket window: a new ticket (mode 1, stays open for the next one), an open ticket to
 // change (mode 2, closes on save) or a finished one to look at (mode 0). The opener sets
@@ -36,7 +36,7 @@ public:
     bool AutoInContainer = false;
 
     // The lines behind dbgDetail.
-    TicketLines *xayDetail() const { return m_lines; }
+    LineTable *xayDetail() const { return m_lines; }
 
     // Loads the window for the mode its opener set; false when the ticket to show is gone or
     // has no lines, and the window then closes.
@@ -49,11 +49,8 @@ public slots:
 
     void ResetInput();
     qint32 GetNewSaleID();
-    bool FillProductInfoByID(const QString &id);
     void SumArray();
     bool GetCustomerInfo(int mGetType);
-    void BeforeColUpdate(int colIndex, const QString &text, bool *cancel);
-    void AfterColUpdate(int colIndex);
 
     void btnAddCustomer_Click();
     void btnSave_Click();
@@ -74,6 +71,10 @@ private:
     void UpdateSaveButtons();
     void ClearCustomerFields();
     void closeWindow();
+    // What leaving a field does: its lookup or its check. False when the field keeps the focus.
+    bool leaveField(QObject *field);
+    // Ctrl+S and Ctrl+P: finish the field in hand as leaving it would, then press the button.
+    void saveByKey(QPushButton *button);
 
     // Handlers of the customer fields and the address list.
     void txtCustAddress_Change();
@@ -93,10 +94,9 @@ private:
     // of letting it end the program.
     template <class F> void guarded(F &&f);
 
-    TicketLines *m_lines = nullptr;
+    LineTable *m_lines = nullptr;
     bool m_loaded = false;
     bool m_closeRequested = false;
-    int m_currentRow = 0;
 
     QTabWidget *SSTab1 = nullptr;
     QLineEdit *txtSaleID = nullptr;
@@ -108,7 +108,7 @@ private:
     QLineEdit *txtCustName = nullptr;
     QLineEdit *txtCustType = nullptr;
     QLineEdit *txtCustCreateDate = nullptr;
-    TicketGrid *dbgDetail = nullptr;
+    LineGrid *dbgDetail = nullptr;
     DataCombo *cmbSender = nullptr;
     QLineEdit *txtTransferFee = nullptr;
     QLineEdit *txtTotalAmount = nullptr;

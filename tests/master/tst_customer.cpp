@@ -3,12 +3,14 @@
 #include "support/ScriptedPrompter.h"
 #include "support/Rows.h"
 
+#include "data/PickDate.h"
 #include "data/Session.h"
 #include "master/CustomerForms.h"
+#include "master/frmCustomer.h"
 #include "platform/Clock.h"
 #include "platform/Forms.h"
-#include "platform/Modal.h"
 
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -21,8 +23,10 @@ QLineEdit *edit(QWidget *w, const char *name) { return w->findChild<QLineEdit *>
 
 QCheckBox *check(QWidget *w, const char *name) { return w->findChild<QCheckBox *>(QLatin1String(name)); }
 
-// Opens the card in a mode and lets the handler play the user.
-void openCard(int mode, int id, const std::function<void(QWidget *)> &handler)
+// Opens the card in a mode and lets the handler play the user, and the inner handler the one
+// window the card opens in turn.
+void openCard(int mode, int id, const ModalScript::Handler &handler, const QString &inner = QString(),
+              const ModalScript::Handler &innerHandler = nullptr)
 {
     ModalScript modals;
     modals.on(QStringLiteral("frmCustomer"), [&](QWidget *card) {
@@ -30,10 +34,9 @@ void openCard(int mode, int id, const std::function<void(QWidget *)> &handler)
         if (card->isVisible())
             ModalScript::click(card, QStringLiteral("btnExit"));
     });
-    QWidget *card = Forms::get(QStringLiteral("frmCustomer"));
-    card->setProperty("mActionType", mode);
-    card->setProperty("mCurID", id);
-    Modal::exec(card);
+    if (!inner.isEmpty())
+        modals.on(inner, innerHandler);
+    frmCustomer::openFor(mode, id);
     VERIFY_MODALS(modals);
 }
 }
@@ -47,6 +50,7 @@ private slots:
     void initTestCase()
     {
         registerCustomerForms();
+        registerPickDateForm();
         Clock::set(QDateTime(QDate(2026, 11, 23), QTime(9, 0)));
     }
     void init()
@@ -81,7 +85,6 @@ private slots:
         QFETCH(QString, account);
         QFETCH(QString, storedAccount);
         QFETCH(QString, proposedNext);
-        Session::SelectedCustomerID = 0;
         bool stayedOpen = false;
         QString nextAccount, addressAfter, dateShown;
         openCard(1, 0, [&](QWidget *card) {
@@ -160,6 +163,36 @@ private slots:
         QCOMPARE(db->scalar("SELECT Address || '|' || CustType || '|' || Status || '|' || Account FROM Customer WHERE ID=2")
                      .toString(),
                  QStringLiteral("河路1号|3|1|2"));
+    }
+
+    // The calendar's answer goes into the date field as it is, also the empty one of a calendar
+    // closed without a choice.
+    void dateButtonWritesThePick_data()
+    {
+        QTest::addColumn<QDate>("chosen"); // null: the calendar is closed by its frame
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("chosen") << QDate(2026, 3, 10) << "2026-03-10";
+        QTest::newRow("closed without a choice") << QDate() << "";
+    }
+    void dateButtonWritesThePick()
+    {
+        QFETCH(QDate, chosen);
+        QFETCH(QString, shown);
+        QString date;
+        openCard(
+            1, 0,
+            [&](QWidget *card) {
+                ModalScript::click(card, QStringLiteral("btnDate"));
+                date = edit(card, "txtCreateDate")->text();
+            },
+            QStringLiteral("frmPickDate"),
+            [&](QWidget *pick) {
+                if (!chosen.isValid())
+                    return void(pick->close());
+                pick->findChild<QCalendarWidget *>(QStringLiteral("mvwMain"))->setSelectedDate(chosen);
+                ModalScript::click(pick, QStringLiteral("btnOk"));
+            });
+        QCOMPARE(date, shown);
     }
 
     void selectionGivesTheChosenAccount_data()

@@ -4,6 +4,7 @@
 #include <QStyledItemDelegate>
 #include <QTableView>
 
+class LineTable;
 class RecordsetModel;
 
 // The product drop-down of the code column: the code can be typed, or picked from the
@@ -23,22 +24,32 @@ private:
     RecordsetModel *m_products;
 };
 
-// The editable grid of ticket lines. Typing in a cell starts editing it; Enter commits and
-// moves on the way a line is keyed: code, then quantity, then the next line's code. A cell
-// whose value was refused opens again for correction.
-class TicketGrid : public QTableView {
+// The editable grid of lines (dbgDetail). Typing in a cell starts editing it; Enter commits
+// and moves on the way a line is keyed: code, then quantity, then the next line's code. Tab
+// and Shift+Tab step through the cells that take typing, line by line, and leave the grid
+// after the code of the row where the next line starts. A refused cell opens again.
+class LineGrid : public QTableView {
     Q_OBJECT
 public:
-    explicit TicketGrid(QWidget *parent = nullptr);
+    explicit LineGrid(QWidget *parent = nullptr);
+    void setLines(LineTable *lines);
+    LineTable *lines() const { return m_lines; }
     ProductDropDown *productDropDown() const { return m_dropDown; }
-    // Marks the cell being committed as refused, so that it opens again for correction.
-    void refuseCommit() { m_refused = true; }
+    // Commits the cell being edited as leaving it would; false when its value was refused.
+    bool finishEditing();
 
 protected:
     void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
     void keyPressEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
+    // The next (or previous) cell that takes typing, or an invalid index past either end.
+    QModelIndex typedCell(const QModelIndex &from, bool next) const;
+    // Moves to that cell, or leaves the grid when there is none.
+    void step(bool next);
+
+    LineTable *m_lines = nullptr;
     ProductDropDown *m_dropDown;
     bool m_refused = false;
 };
