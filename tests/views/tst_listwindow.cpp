@@ -1,4 +1,3 @@
-#include "support/ModalScript.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestDb.h"
 
@@ -24,7 +23,6 @@ public:
                     numberColumn(QStringLiteral("单价"), QStringLiteral("Price"), 800, Qt::AlignRight),
                     textColumn(QStringLiteral("备注"), QStringLiteral("Name"), 2000, Qt::AlignLeft)});
         setUnsortedColumn(2);
-        setCardWindow(QStringLiteral("frmCard"), CardRefresh::Always);
         curShortSQL = QStringLiteral("SELECT min(ID) as ID,sum(Price) as Price,min(Name) as Name FROM Product");
         curGroupSQL = QStringLiteral(" GROUP BY Unit");
         curSortSQL = QStringLiteral(" ORDER BY 1 Asc");
@@ -102,27 +100,6 @@ private slots:
         QVERIFY(struck.strikeOut);
         QCOMPARE(struck.background, QApplication::palette().color(QPalette::ToolTipBase));
         QVERIFY(!w.dbgMain->rowStyle(0).strikeOut);
-    }
-
-    // The card opens for the current row and the list runs again after it, by the window's rule.
-    void cardOpensCurrentRow()
-    {
-        Forms::add(QStringLiteral("frmCard"), [] { return new QDialog; });
-        ProductList w;
-        w.dbgMain->setCurrentRow(1);
-        int mode = -1, id = -1;
-        ModalScript modals;
-        modals.on("frmCard", [&](QWidget *card) {
-            mode = card->property("mActionType").toInt();
-            id = card->property("mCurID").toInt();
-            QVERIFY(m_db->exec("INSERT INTO Product(ID,Name,Unit,Price,Status) VALUES(4,'丁','箱',1,'1')"));
-            static_cast<QDialog *>(card)->reject();
-        });
-        emit w.dbgMain->DblClick();
-        VERIFY_MODALS(modals);
-        QCOMPARE(mode, 2);
-        QCOMPARE(id, 3);
-        QCOMPARE(w.dbgMain->model()->rowCount(), 3);
     }
 
     // " WHERE " opens a filter of its own, " AND " joins clauses and refinements.
