@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
 #include <QStyledItemDelegate>
 
 // The footer line under the rows: one cell per column, bold on the tool-tip colour, following
@@ -91,6 +92,7 @@ protected:
             option->palette.setColor(QPalette::Text, m_style.foreground);
         if (m_style.background.isValid())
             option->backgroundBrush = m_style.background;
+        option->font.setStrikeOut(m_style.strikeOut);
     }
 
 private:
@@ -175,7 +177,26 @@ void DbGrid::applyColumnLayout()
         if (width.isValid() && horizontalHeader()->sectionSize(c) != width.toInt())
             setColumnWidth(c, width.toInt());
     }
+    fitHeads();
     m_footer->update();
+}
+
+// Every head shows its whole caption, with room for the sort mark: heads that differ only
+// in their first word (应收现金, 实收现金) must not be cut to look alike.
+void DbGrid::fitHeads()
+{
+    QHeaderView *head = horizontalHeader();
+    if (!model())
+        return;
+    const int room = 2 * style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, head)
+                     + style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, head) + 8;
+    for (int c = 0; c < head->count(); ++c) {
+        if (head->isSectionHidden(c) || head->sectionSize(c) == 0)
+            continue;
+        const int needed = head->fontMetrics().horizontalAdvance(model()->headerData(c, Qt::Horizontal).toString()) + room;
+        if (head->sectionSize(c) < needed)
+            setColumnWidth(c, needed);
+    }
 }
 
 int DbGrid::columnCount() const { return model() ? model()->columnCount() : 0; }
@@ -240,6 +261,7 @@ void DbGrid::fitFooters()
 void DbGrid::showEvent(QShowEvent *event)
 {
     QTableView::showEvent(event);
+    fitHeads();
     fitFooters();
 }
 
@@ -250,6 +272,7 @@ void DbGrid::changeEvent(QEvent *event)
         QFont bold = font();
         bold.setBold(true);
         m_footer->setFont(bold);
+        fitHeads();
         fitFooters();
     }
 }

@@ -15,6 +15,7 @@ class DbGridFooter;
 struct RowStyle {
     QColor foreground;
     QColor background;
+    bool strikeOut = false;
 };
 
 // The print settings of a grid and its list printing: page header and footer ("\t" moves to
@@ -128,6 +129,7 @@ protected:
 
 private:
     void applyColumnLayout();
+    void fitHeads();
     void fitFooters();
     void layoutFrame();
 

@@ -3,6 +3,7 @@
 #include "DbGrid.h"
 #include "Modal.h"
 
+#include <QEvent>
 #include <QGraphicsView>
 #include <QHeaderView>
 #include <QScrollBar>
@@ -12,6 +13,7 @@
 #include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QScreen>
 #include <QTimer>
 
 namespace {
@@ -206,8 +208,10 @@ bool GridPrinter::print(const DbGrid &grid, const DbGridPrintInfo &info, QPrinte
             }
             y += m.headsH;
         }
-        p.setFont(body);
+        QFont struck = body;
+        struck.setStrikeOut(true);
         for (int row = page.firstRow; row < page.firstRow + page.rowCount; ++row) {
+            p.setFont(grid.rowStyle(row).strikeOut ? struck : body);
             double x = 0;
             for (int i = 0; i < band.size(); ++i)
                 drawCell(p, cellX(i, &x, m.rowH), model->index(row, band[i]).data().toString(),
@@ -254,6 +258,36 @@ bool GridPrinter::print(const DbGrid &grid, const DbGridPrintInfo &info, QPrinte
     return p.end();
 }
 
+namespace {
+class PreviewZoom : public QObject {
+public:
+    PreviewZoom(QPrintPreviewDialog *dialog, double zoom) : QObject(dialog), m_dialog(dialog), m_zoom(zoom) {}
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == m_dialog && event->type() == QEvent::Show)
+            QTimer::singleShot(0, this, [this] { apply(); });
+        return false;
+    }
+
+private:
+    void apply()
+    {
+        auto *view = m_dialog->findChild<QPrintPreviewWidget *>();
+        if (!view)
+            return;
+        view->setZoomMode(QPrintPreviewWidget::CustomZoom);
+        view->setZoomFactor(m_zoom);
+        view->updatePreview(); // lets the dialog's zoom box show the new size
+        if (auto *pages = view->findChild<QGraphicsView *>()) // the top of the first page
+            pages->verticalScrollBar()->setValue(pages->verticalScrollBar()->minimum());
+    }
+    QPrintPreviewDialog *m_dialog;
+    double m_zoom;
+};
+}
+
 DbGridPrintInfo::DbGridPrintInfo(DbGrid *grid) : QObject(grid), m_grid(grid)
 {
     PageHeaderFont = grid->font();
@@ -278,18 +312,18 @@ bool DbGridPrintInfo::PrintPreview()
     bool drawn = true;
     connect(&preview, &QPrintPreviewDialog::paintRequested, &preview,
             [this, &drawn](QPrinter *target) { drawn = GridPrinter::print(*m_grid, *this, target) && drawn; });
-    if (PreviewMaximize)
+    // Without a window manager to honour it, the maximised state alone leaves the dialog at
+    // its small default size, so the geometry is set too.
+    if (PreviewMaximize) {
+        if (QScreen *screen = m_grid->screen())
+            preview.setGeometry(screen->availableGeometry());
         preview.setWindowState(Qt::WindowMaximized);
+    }
+    // The zoom is set once the dialog is shown and laid out; before that the preview fits
+    // the page to whatever size the dialog had.
     const double zoom = PreviewInitZoom / 100.0;
-    QTimer::singleShot(0, &preview, [&preview, zoom] {
-        if (auto *view = preview.findChild<QPrintPreviewWidget *>()) {
-            view->setZoomMode(QPrintPreviewWidget::CustomZoom);
-            view->setZoomFactor(zoom);
-            view->updatePreview(); // lets the dialog's zoom box show the new size
-            if (auto *pages = view->findChild<QGraphicsView *>()) // the top of the first page
-                pages->verticalScrollBar()->setValue(pages->verticalScrollBar()->minimum());
-        }
-    });
+    auto *applyZoom = new PreviewZoom(&preview, zoom);
+    preview.installEventFilter(applyZoom);
     Modal::exec(&preview);
     return drawn;
 }

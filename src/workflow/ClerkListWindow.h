@@ -12,6 +12,4 @@ protected:
     // The delivery and the empties lists show the same columns and footers.
     void setDeliveryColumns(const QString &title);
     void showDeliveryTotal();
-
-    void Form_Deactivate() override;
 };

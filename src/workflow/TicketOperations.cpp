@@ -63,7 +63,7 @@ void TicketOperations::InMoney()
               QStringLiteral("UPDATE sale set InMoney=TotalMoney WHERE ID="), false};
     op.done = [](const Recordset &ticket) {
         Msg::info(QStringLiteral("成功收到") + ticket.text(QStringLiteral("ID")) + QStringLiteral("号单据销售款：人民币")
-                      + SaleColumns::numberText(ticket.field(QStringLiteral("TotalMoney")).toDouble())
+                      + ListWindow::numberText(ticket.field(QStringLiteral("TotalMoney")).toDouble())
                       + QStringLiteral("元！"),
                   QStringLiteral("收款"));
     };

@@ -11,14 +11,13 @@ frmMoneyAdmin::frmMoneyAdmin(QWidget *parent)
 
 void frmMoneyAdmin::SetMyDBGrid()
 {
-    using namespace SaleColumns;
     setColumns({
-        number(QStringLiteral("编号"), QStringLiteral("ID"), 500, Qt::AlignRight),
-        text(QStringLiteral("开票时间"), QStringLiteral("CreateDate"), 1200, Qt::AlignHCenter),
-        number(QStringLiteral("送水工编号"), QStringLiteral("SenderID"), 1000, Qt::AlignRight),
-        number(QStringLiteral("应收现金"), QStringLiteral("TotalMoney"), 1000, Qt::AlignRight),
-        number(QStringLiteral("实收现金"), QStringLiteral("InMoney"), 1000, Qt::AlignRight),
-        text(QStringLiteral("客户地址"), QStringLiteral("Address"), 3000, Qt::AlignLeft),
+        numberColumn(QStringLiteral("编号"), QStringLiteral("ID"), 500, Qt::AlignRight),
+        textColumn(QStringLiteral("开票时间"), QStringLiteral("CreateDate"), 1200, Qt::AlignHCenter),
+        numberColumn(QStringLiteral("送水工编号"), QStringLiteral("SenderID"), 1000, Qt::AlignRight),
+        numberColumn(QStringLiteral("应收现金"), QStringLiteral("TotalMoney"), 1000, Qt::AlignRight),
+        numberColumn(QStringLiteral("实收现金"), QStringLiteral("InMoney"), 1000, Qt::AlignRight),
+        textColumn(QStringLiteral("客户地址"), QStringLiteral("Address"), 3000, Qt::AlignLeft),
     });
     dbgMain->setCaption(QStringLiteral(":::今日收款单据列表:::"));
     dbgMain->setFooterVisible(true);
@@ -27,7 +26,7 @@ void frmMoneyAdmin::SetMyDBGrid()
 void frmMoneyAdmin::ShowTotal()
 {
     const QList<double> f = showSums({3, 4});
-    dbgMain->setFooterText(5, QStringLiteral("共欠钱：") + SaleColumns::numberText(f[0] - f[1]) + QStringLiteral("元"));
+    dbgMain->setFooterText(5, QStringLiteral("共欠钱：") + numberText(f[0] - f[1]) + QStringLiteral("元"));
 }
 
 void frmMoneyAdmin::InMoney() { ops()->InMoney(); }

@@ -17,18 +17,17 @@ frmSaleAdmin::frmSaleAdmin(QWidget *parent) : SaleListWindow(Amount | Money | Co
 
 void frmSaleAdmin::SetMyDBGrid()
 {
-    using namespace SaleColumns;
     setColumns({
-        number(QStringLiteral("编号"), QStringLiteral("ID"), 500, Qt::AlignRight),
-        text(QStringLiteral("开票时间"), QStringLiteral("CreateDate"), 1200, Qt::AlignHCenter),
-        number(QStringLiteral("送水工编号"), QStringLiteral("SenderID"), 600, Qt::AlignRight),
-        number(QStringLiteral("应收现金"), QStringLiteral("TotalMoney"), 600, Qt::AlignRight),
-        number(QStringLiteral("实收现金"), QStringLiteral("InMoney"), 600, Qt::AlignRight),
-        number(QStringLiteral("应发货数量"), QStringLiteral("TotalAmount"), 800, Qt::AlignHCenter),
-        number(QStringLiteral("实际发货数量"), QStringLiteral("OutAmount"), 800, Qt::AlignHCenter),
-        number(QStringLiteral("应回收空瓶数"), QStringLiteral("TotalContainer"), 800, Qt::AlignHCenter),
-        number(QStringLiteral("实回收空瓶数"), QStringLiteral("InContainer"), 800, Qt::AlignHCenter),
-        text(QStringLiteral("客户地址"), QStringLiteral("Address"), 3000, Qt::AlignLeft),
+        numberColumn(QStringLiteral("编号"), QStringLiteral("ID"), 500, Qt::AlignRight),
+        textColumn(QStringLiteral("开票时间"), QStringLiteral("CreateDate"), 1200, Qt::AlignHCenter),
+        numberColumn(QStringLiteral("送水工编号"), QStringLiteral("SenderID"), 600, Qt::AlignRight),
+        numberColumn(QStringLiteral("应收现金"), QStringLiteral("TotalMoney"), 600, Qt::AlignRight),
+        numberColumn(QStringLiteral("实收现金"), QStringLiteral("InMoney"), 600, Qt::AlignRight),
+        numberColumn(QStringLiteral("应发货数量"), QStringLiteral("TotalAmount"), 800, Qt::AlignHCenter),
+        numberColumn(QStringLiteral("实际发货数量"), QStringLiteral("OutAmount"), 800, Qt::AlignHCenter),
+        numberColumn(QStringLiteral("应回收空瓶数"), QStringLiteral("TotalContainer"), 800, Qt::AlignHCenter),
+        numberColumn(QStringLiteral("实回收空瓶数"), QStringLiteral("InContainer"), 800, Qt::AlignHCenter),
+        textColumn(QStringLiteral("客户地址"), QStringLiteral("Address"), 3000, Qt::AlignLeft),
     });
     dbgMain->setCaption(QStringLiteral(":::今日销售单据列表:::"));
     dbgMain->setFooterVisible(true);
@@ -38,8 +37,8 @@ void frmSaleAdmin::SetMyDBGrid()
 void frmSaleAdmin::ShowTotal()
 {
     const QList<double> f = showSums({3, 4, 5, 6, 7, 8});
-    dbgMain->setFooterText(9, QStringLiteral("共欠钱：") + SaleColumns::numberText(f[0] - f[1])
-                                  + QStringLiteral("元       欠瓶：") + SaleColumns::numberText(f[4] - f[5])
+    dbgMain->setFooterText(9, QStringLiteral("共欠钱：") + numberText(f[0] - f[1])
+                                  + QStringLiteral("元       欠瓶：") + numberText(f[4] - f[5])
                                   + QStringLiteral("个"));
 }
 
