@@ -82,11 +82,11 @@ void TicketLines::appendLine(const QVector<QVariant> &values)
     emitRowChanged(row);
 }
 
-bool TicketLines::isLine(int row) const { return !text(row, ProductID).trimmed().isEmpty(); }
+bool TicketLines::isLine(int row) const { return !Trim(text(row, ProductID)).isEmpty(); }
 
 bool TicketLines::fillProduct(int row, const QString &code)
 {
-    if (code.trimmed().isEmpty()) {
+    if (Trim(code).isEmpty()) {
         for (int c = ProductName; c <= ProductMoney; ++c)
             setValue(row, c, QVariant());
         return true;
@@ -115,7 +115,7 @@ bool TicketLines::hasContainer(const QString &productCode)
 {
     RecordsetPtr rs = OpenRecordset(
         QStringLiteral("select * from Product where IsContainer='0' and ContainerID<>0 and ID=")
-        + Sql::number(productCode.trimmed()));
+        + Sql::number(Trim(productCode)));
     return rs && rs->recordCount() > 0;
 }
 
@@ -185,14 +185,14 @@ bool TicketLines::setData(const QModelIndex &index, const QVariant &value, int r
     const int row = index.row(), column = index.column();
     const QString typed = value.toString();
     // Nothing typed in the empty row makes no line.
-    if (row >= m_rows.size() && typed.trimmed().isEmpty())
+    if (row >= m_rows.size() && Trim(typed).isEmpty())
         return false;
     if (row < m_rows.size() && typed == text(row, column))
         return false;
     if (m_before && !m_before(row, column, typed))
         return false;
     // Taking the code off blanks the whole row; the handler has done so already.
-    if (!(column == ProductID && typed.trimmed().isEmpty()))
+    if (!(column == ProductID && Trim(typed).isEmpty()))
         setValue(row, column, typed);
     if (m_after)
         m_after(row, column);

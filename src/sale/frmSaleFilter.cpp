@@ -199,7 +199,7 @@ void frmSaleFilter::RefreshControl()
 
 bool frmSaleFilter::checkValue(QLineEdit *field)
 {
-    const QString text = field->text().trimmed();
+    const QString text = Trim(field->text());
     if (field == txtCreateDate)
         return text.isEmpty() || ValidateField(text, 2);
     if (field == txtAddress)
@@ -254,13 +254,13 @@ QString frmSaleFilter::filterText() const
 {
     QString sql;
     if (chkAddress->isChecked())
-        sql += " AND Address Like '%" + Sql::text(txtAddress->text().trimmed()) + "%' ";
+        sql += " AND Address Like '%" + Sql::text(Trim(txtAddress->text())) + "%' ";
     if (chkAccount->isChecked())
-        sql += " AND Account" + op(txtAccount) + Sql::number(txtAccount->text().trimmed());
+        sql += " AND Account" + op(txtAccount) + Sql::number(Trim(txtAccount->text()));
     if (chkUserID->isChecked())
         sql += " AND Sale.UserID=" + NumText(Val(cmbUserID->BoundText()));
     if (chkCreateDate->isChecked())
-        sql += " AND Sale.CreateDate" + op(txtCreateDate) + "#" + txtCreateDate->text() + "#";
+        sql += " AND Sale.CreateDate" + op(txtCreateDate) + "#" + Sql::date(txtCreateDate->text()) + "#";
     if (chkID->isChecked())
         sql += " AND Sale.ID" + op(txtID) + NumText(Val(txtID->text()));
     if (chkTotalMoney->isChecked())
