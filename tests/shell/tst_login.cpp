@@ -57,6 +57,7 @@ void TestLogin::password_data()
     QTest::newRow("case counts") << QVariant("abc") << "ABC" << false;
     QTest::newRow("wrong") << QVariant("abc") << "abd" << false;
     QTest::newRow("blank inside counts") << QVariant("a bc") << "abc" << false;
+    QTest::newRow("a tab is not a blank") << QVariant("abc") << "abc\t" << false;
 }
 
 void TestLogin::password()
