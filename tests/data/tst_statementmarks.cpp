@@ -17,7 +17,9 @@ namespace {
 const QStringList SafeCalls = {QStringLiteral("Sql::text"), QStringLiteral("Sql::number"),
                                QStringLiteral("Sql::date"), QStringLiteral("Val"),
                                QStringLiteral("CInt"), QStringLiteral("CLng"),
-                               QStringLiteral("CCur"), QStringLiteral("CDbl")};
+                               QStringLiteral("CCur"), QStringLiteral("CDbl"),
+                               // the filter rows mark their dates with Sql::date inside
+                               QStringLiteral("ConditionRow::typedDate")};
 
 struct Statement {
     QString code;       // the statement with string literals kept

@@ -72,9 +72,9 @@ void TestSystemSetup::loadShowsStoredValues_data()
     QTest::newRow("no device chosen") << QStringList{"ModemIndex=-1", "SearchAddress=0"} << "00001" << -1
                                       << QList<int>{} << "0" << "0";
     // Neither stops the load: the position stays at the first device.
-    QTest::newRow("beyond a whole number") << QStringList{"ModemIndex=40000"} << "00000" << 0
+    QTest::newRow("beyond a whole number") << QStringList{"ModemIndex=40000"} << "00011" << 0
                                            << QList<int>{3} << "0" << "0";
-    QTest::newRow("not a number") << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00000" << 0
+    QTest::newRow("not a number") << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00011" << 0
                                   << QList<int>{3} << "0" << "8";
 }
 
