@@ -15,4 +15,8 @@ constexpr QChar NumberClose = QChar(0xFDD3);
 inline QString text(const QString &typed) { return TextOpen + typed + TextClose; }
 // A typed number, spliced with no quotes: "... where Account=" + Sql::number(t).
 inline QString number(const QString &typed) { return NumberOpen + typed + NumberClose; }
+// A typed date, to stand between the statement's own # marks: "... CreateDate<=#" +
+// Sql::date(d) + "#". For now it passes the text through, so the dialect's reading of the
+// date is the only check.
+inline QString date(const QString &typed) { return typed; }
 }
