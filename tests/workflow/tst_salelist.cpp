@@ -214,7 +214,6 @@ void TestSaleList::openingTickets_data()
     QTest::newRow("sale list, open") << "frmSaleAdmin" << "0" << 2;
     QTest::newRow("sale list, closed") << "frmSaleAdmin" << "1" << 0;
     QTest::newRow("money list, open") << "frmMoneyAdmin" << "0" << 0;
-    QTest::newRow("delivery list, open") << "frmAmountAdmin" << "0" << 0;
 }
 
 void TestSaleList::openingTickets()
