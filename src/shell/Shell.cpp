@@ -14,7 +14,6 @@
 #include "data/Session.h"
 #include "master/CatalogForms.h"
 #include "master/CustomerForms.h"
-#include "platform/AdminList.h"
 #include "platform/Forms.h"
 #include "platform/Modal.h"
 #include "platform/Prompter.h"
@@ -22,6 +21,7 @@
 #include "platform/VbRules.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
+#include "views/AdminList.h"
 #include "workflow/WorkflowForms.h"
 
 #include <QLibraryInfo>

@@ -1,12 +1,9 @@
 #pragma once
-#include "platform/AdminList.h"
+#include "views/AdminList.h"
 
 // The operators, enabled and disabled, with their remarks.
 class frmUserAdmin : public AdminListWindow {
     Q_OBJECT
 public:
     frmUserAdmin();
-
-protected:
-    QList<Row> listRows() override;
 };

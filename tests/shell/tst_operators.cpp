@@ -2,18 +2,19 @@
 #include "shell/frmLogin.h"
 
 #include "data/Session.h"
+#include "platform/DbGrid.h"
 #include "platform/Forms.h"
 #include "platform/Modal.h"
 #include "support/ModalScript.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestDb.h"
+#include "views/AdminList.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTreeWidget>
 #include <QtTest>
 
 // Who gets in, who changes which password, and the operators window and card driven as
@@ -21,7 +22,11 @@
 class TestOperators : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase() { Shell::registerShellForms(); }
+    void initTestCase()
+    {
+        Shell::registerShellForms();
+        AdminListWindow::setRowIcons(m_inUse, m_suspended);
+    }
     void init();
     void cleanup();
     void password_data();
@@ -31,11 +36,20 @@ private slots:
     void changePassword();
     void newOperators_data();
     void newOperators();
+    void editOperator_data();
     void editOperator();
-    void administratorProtected();
 
 private:
+    QStringList listed(QWidget *list) const;
     std::unique_ptr<TestDb> m_db;
+    QIcon m_inUse = square(Qt::green);
+    QIcon m_suspended = square(Qt::red);
+    static QIcon square(Qt::GlobalColor colour)
+    {
+        QPixmap p(8, 8);
+        p.fill(colour);
+        return QIcon(p);
+    }
 };
 
 void TestOperators::init()
@@ -180,14 +194,28 @@ void selectRoles(QWidget *card, const QList<int> &rows)
     for (int r : rows)
         lsb->item(r)->setSelected(true);
 }
-QStringList listed(QWidget *list)
+// The roles shown in the card, as rolestring writes them.
+QString shownRoles(QWidget *card)
 {
-    auto *lsv = list->findChild<QTreeWidget *>("lsvMain");
-    QStringList rows;
-    for (int i = 0; i < lsv->topLevelItemCount(); ++i)
-        rows << lsv->topLevelItem(i)->text(0) + "|" + lsv->topLevelItem(i)->text(1);
-    return rows;
+    auto *lsb = ModalScript::child<QListWidget>(card, "lsbRole");
+    QString roles;
+    for (int i = 0; i < lsb->count(); ++i)
+        roles += lsb->item(i)->isSelected() ? '1' : '0';
+    return roles;
 }
+}
+
+// Each listed row as name|remark|+ with the in-use icon, - with the other.
+QStringList TestOperators::listed(QWidget *list) const
+{
+    const QAbstractItemModel *rows = ModalScript::child<DbGrid>(list, "lsvMain")->model();
+    QStringList out;
+    for (int r = 0; r < rows->rowCount(); ++r) {
+        const qint64 icon = rows->index(r, 0).data(Qt::DecorationRole).value<QIcon>().cacheKey();
+        out << rows->index(r, 0).data().toString() + "|" + rows->index(r, 1).data().toString() + "|"
+                   + (icon == m_inUse.cacheKey() ? "+" : icon == m_suspended.cacheKey() ? "-" : "?");
+    }
+    return out;
 }
 
 void TestOperators::newOperators_data()
@@ -198,10 +226,11 @@ void TestOperators::newOperators_data()
     QTest::addColumn<QList<int>>("roles");
     QTest::addColumn<bool>("disabled");
     QTest::addColumn<QString>("stored"); // name|pwd|rolestring|detail|status|station
+    QTest::addColumn<QString>("listedRow");
     QTest::newRow("plain") << " 张伟 " << "12 " << " 白班 " << QList<int>{1, 2} << false
-                           << "张伟|12 |01100000| 白班 |1|1";
+                           << "张伟|12 |01100000| 白班 |1|1" << "张伟| 白班 |+";
     QTest::newRow("no rights, empty password, disabled")
-        << "李强" << "" << "" << QList<int>{} << true << "李强||00000000||0|1";
+        << "李强" << "" << "" << QList<int>{} << true << "李强||00000000||0|1" << "李强||-";
 }
 
 void TestOperators::newOperators()
@@ -212,6 +241,7 @@ void TestOperators::newOperators()
     QFETCH(QList<int>, roles);
     QFETCH(bool, disabled);
     QFETCH(QString, stored);
+    QFETCH(QString, listedRow);
     ScriptedPrompter prompter;
     ModalScript script;
     QStringList afterSave;
@@ -232,7 +262,7 @@ void TestOperators::newOperators()
         // The card stays, emptied for the next operator.
         QVERIFY(card->isVisible());
         QCOMPARE(ModalScript::child<QLineEdit>(card, "txtName")->text(), QString());
-        QVERIFY(ModalScript::child<QListWidget>(card, "lsbRole")->selectedItems().isEmpty());
+        QCOMPARE(shownRoles(card), QStringLiteral("00000000"));
         ModalScript::click(card, "btnExit");
     });
     Modal::exec(Forms::get("frmUserAdmin"));
@@ -243,76 +273,80 @@ void TestOperators::newOperators()
                           "FROM SysUser WHERE ID=2").toString(),
              stored);
     QCOMPARE(afterSave.size(), 2);
+    QCOMPARE(afterSave.last(), listedRow);
+}
+
+// Opened from the selected row. The lowest ID keeps its rights and its mark, their controls
+// being off; the update trims the remark and leaves the password alone.
+void TestOperators::editOperator_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("roles"); // as loaded
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("stored"); // name|pwd|rolestring|detail|status
+    QTest::addColumn<QString>("listedRow");
+    QTest::newRow("operator") << 1 << "01100000" << "" << "老板|secret|01100001|夜班|0" << "老板|夜班|-";
+    QTest::newRow("administrator") << 0 << "11111111" << "当前用户是系统管理，不能被禁用和修改权限！"
+                                   << "老板||11111111|夜班|1" << "老板|夜班|+";
 }
 
 void TestOperators::editOperator()
 {
+    QFETCH(int, row);
+    QFETCH(QString, roles);
+    QFETCH(QString, message);
+    QFETCH(QString, stored);
+    QFETCH(QString, listedRow);
+    m_db->exec("UPDATE SysUser SET rolestring='11111111' WHERE ID=1");
     m_db->exec("INSERT INTO SysUser(Name,Pwd,rolestring,Detail,Status,StationID) "
                "VALUES('张伟','secret','01100000','早班','1',1)");
     ScriptedPrompter prompter;
+    if (!message.isEmpty())
+        prompter.expect(message);
     ModalScript script;
+    QString chosen;
     script.on("frmUserAdmin", [&](QWidget *list) {
-        auto *lsv = ModalScript::child<QTreeWidget>(list, "lsvMain");
-        QVERIFY(!ModalScript::child<QPushButton>(list, "btnEdit")->isEnabled());
-        lsv->setCurrentItem(lsv->topLevelItem(1));
-        QVERIFY(ModalScript::child<QPushButton>(list, "btnEdit")->isEnabled());
-        ModalScript::click(list, "btnEdit");
+        auto *lsv = ModalScript::child<DbGrid>(list, "lsvMain");
+        auto *edit = ModalScript::child<QPushButton>(list, "btnEdit");
+        QVERIFY(!edit->isEnabled());
+        lsv->setCurrentRow(row);
+        QVERIFY(edit->isEnabled());
+        chosen = lsv->columnText(0);
+        edit->click();
         // The edited row is chosen again in the refreshed list.
-        QCOMPARE(lsv->currentItem()->text(0), QStringLiteral("张伟 2"));
-        QCOMPARE(lsv->currentItem()->text(1), QStringLiteral("夜班"));
+        QCOMPARE(lsv->currentRow(), row);
+        QCOMPARE(listed(list).value(row), listedRow);
         ModalScript::click(list, "btnExit");
     });
     script.on("frmUser", [&](QWidget *card) {
         auto *pwd = ModalScript::child<QLineEdit>(card, "txtPassword");
         QVERIFY(!pwd->isEnabled());
         QCOMPARE(pwd->text(), QStringLiteral("********"));
-        QCOMPARE(ModalScript::child<QLineEdit>(card, "txtName")->text(), QStringLiteral("张伟"));
+        QCOMPARE(ModalScript::child<QLineEdit>(card, "txtName")->text(), chosen);
+        QCOMPARE(shownRoles(card), roles);
         auto *lsb = ModalScript::child<QListWidget>(card, "lsbRole");
-        QCOMPARE(lsb->selectedItems().size(), 2);
-        QVERIFY(lsb->item(1)->isSelected() && lsb->item(2)->isSelected());
-        ModalScript::type(card, "txtName", " 张伟 2 ");
+        auto *disable = ModalScript::child<QCheckBox>(card, "chkDisable");
+        for (QWidget *w : {static_cast<QWidget *>(lsb), static_cast<QWidget *>(disable),
+                           ModalScript::child<QWidget>(card, "cmbStation")})
+            QCOMPARE(w->isEnabled(), message.isEmpty());
+        ModalScript::type(card, "txtName", " 老板 ");
         ModalScript::type(card, "txtDetail", " 夜班 ");
-        lsb->item(7)->setSelected(true);
-        ModalScript::child<QCheckBox>(card, "chkDisable")->setChecked(true);
+        if (lsb->isEnabled())
+            lsb->item(7)->setSelected(true);
+        if (disable->isEnabled())
+            disable->setChecked(true);
         ModalScript::click(card, "btnSave");
     });
     Modal::exec(Forms::get("frmUserAdmin"));
     VERIFY_MODALS(script);
     VERIFY_PROMPTS(prompter);
-    // The update trims the remark and leaves the password alone.
-    QCOMPARE(m_db->scalar("SELECT Name||'|'||Pwd||'|'||rolestring||'|'||Detail||'|'||Status "
-                          "FROM SysUser WHERE ID=2").toString(),
-             QStringLiteral("张伟 2|secret|01100001|夜班|0"));
-}
-
-void TestOperators::administratorProtected()
-{
-    m_db->exec("UPDATE SysUser SET rolestring='11111111' WHERE ID=1");
-    ScriptedPrompter prompter;
-    prompter.expect("当前用户是系统管理，不能被禁用和修改权限！");
-    ModalScript script;
-    script.on("frmUserAdmin", [&](QWidget *list) {
-        auto *lsv = ModalScript::child<QTreeWidget>(list, "lsvMain");
-        lsv->setCurrentItem(lsv->topLevelItem(0));
-        ModalScript::click(list, "btnEdit");
-        ModalScript::click(list, "btnExit");
-    });
-    script.on("frmUser", [&](QWidget *card) {
-        QVERIFY(!ModalScript::child<QWidget>(card, "chkDisable")->isEnabled());
-        QVERIFY(!ModalScript::child<QWidget>(card, "lsbRole")->isEnabled());
-        QVERIFY(!ModalScript::child<QWidget>(card, "cmbStation")->isEnabled());
-        ModalScript::type(card, "txtName", "老板");
-        ModalScript::type(card, "txtDetail", "店主");
-        ModalScript::click(card, "btnSave");
-    });
-    Modal::exec(Forms::get("frmUserAdmin"));
-    VERIFY_MODALS(script);
-    VERIFY_PROMPTS(prompter);
-    QCOMPARE(prompter.last().title, QStringLiteral("消息"));
-    QCOMPARE(prompter.last().icon, QMessageBox::Information);
-    QCOMPARE(m_db->scalar("SELECT Name||'|'||rolestring||'|'||Detail||'|'||Status FROM SysUser WHERE ID=1")
-                 .toString(),
-             QStringLiteral("老板|11111111|店主|1"));
+    if (!message.isEmpty()) {
+        QCOMPARE(prompter.last().title, QStringLiteral("消息"));
+        QCOMPARE(prompter.last().icon, QMessageBox::Information);
+    }
+    QCOMPARE(m_db->scalar(QString("SELECT Name||'|'||Pwd||'|'||rolestring||'|'||Detail||'|'||Status "
+                                  "FROM SysUser WHERE ID=%1").arg(row + 1)).toString(),
+             stored);
 }
 
 QTEST_MAIN(TestOperators)

@@ -1,8 +1,10 @@
 #pragma once
+#include "support/Rows.h"
 #include "support/TestDb.h"
 
 #include "data/Gateway.h"
 #include "platform/Clock.h"
+#include "platform/Forms.h"
 
 #include <QDialog>
 #include <QTest>
@@ -19,12 +21,6 @@ struct Ticket {
     int customer = 1;
 };
 
-inline void customer(TestDb &db, int id, const QString &address)
-{
-    QVERIFY(db.exec(QStringLiteral("INSERT INTO Customer(ID,Account,Name,Address,Phone,Status) "
-                                   "VALUES(%1,%1,'','%2','','1')").arg(id).arg(address)));
-}
-
 // Each ticket gets one line, so that deleting it has lines to take along.
 inline void ticket(TestDb &db, const Ticket &t)
 {
@@ -39,6 +35,25 @@ inline void ticket(TestDb &db, const Ticket &t)
 }
 
 inline void autoRefresh(bool on) { SetSysValue(QStringLiteral("AutoDataRefresh"), on ? "1" : "0"); }
+
+// Each case starts on the list's day with a fresh database, customer 1 and automatic refresh.
+inline void begin(std::unique_ptr<TestDb> &db)
+{
+    Clock::set(QDateTime(Today, QTime(10, 0)));
+    db = std::make_unique<TestDb>();
+    QVERIFY(db->ok());
+    QVERIFY(Rows::customer(*db, 1, QStringLiteral("东大街1号")));
+    autoRefresh(true);
+}
+
+// and lets every window go before its database closes.
+inline void end(std::unique_ptr<TestDb> &db)
+{
+    Forms::unloadAll();
+    Forms::setActiveChildProvider(nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    db.reset();
+}
 
 // The ticket window and the filter are stood in for by plain dialogs: the list writes
 // mActionType and mCurID as dynamic properties, which the test reads back.

@@ -21,9 +21,17 @@ using namespace Fixture;
 class TestListPrint : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { registerWorkflowForms(); }
+    void init()
+    {
+        begin(db);
+        Session::CompanyName = QStringLiteral("宏达燃气");
+    }
+    void cleanup()
+    {
+        DbGridPrintInfo::setOutputFile(QString());
+        end(db);
+    }
 
     void headerAndFooterSections_data();
     void headerAndFooterSections();
@@ -40,26 +48,6 @@ private:
     std::unique_ptr<TestDb> db;
     QTemporaryDir out;
 };
-
-void TestListPrint::initTestCase() { registerWorkflowForms(); }
-
-void TestListPrint::init()
-{
-    Clock::set(QDateTime(Today, QTime(10, 0)));
-    db = std::make_unique<TestDb>();
-    QVERIFY(db->ok());
-    customer(*db, 1, "东大街1号");
-    autoRefresh(true);
-    Session::CompanyName = QStringLiteral("宏达燃气");
-}
-
-void TestListPrint::cleanup()
-{
-    DbGridPrintInfo::setOutputFile(QString());
-    Forms::unloadAll();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    db.reset();
-}
 
 frmSaleAdmin *TestListPrint::withTickets(int count)
 {

@@ -32,18 +32,16 @@ QString figures(TestDb &db)
 class TestTicketOps : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { registerWorkflowForms(); }
+    void init() { begin(db); }
+    void cleanup() { end(db); }
 
     void singleTicket_data();
     void singleTicket();
-    void noRowAsksForOne_data();
-    void noRowAsksForOne();
     void bulkReachesHiddenTickets_data();
     void bulkReachesHiddenTickets();
-    void failedStatementRefreshRule_data();
-    void failedStatementRefreshRule();
+    void guards_data();
+    void guards();
     void deleteOneTicket();
     void deleteAll_data();
     void deleteAll();
@@ -52,24 +50,6 @@ private:
     frmSaleAdmin *list() { return Forms::get<frmSaleAdmin>("frmSaleAdmin"); }
     std::unique_ptr<TestDb> db;
 };
-
-void TestTicketOps::initTestCase() { registerWorkflowForms(); }
-
-void TestTicketOps::init()
-{
-    Clock::set(QDateTime(Today, QTime(10, 0)));
-    db = std::make_unique<TestDb>();
-    QVERIFY(db->ok());
-    customer(*db, 1, "东大街1号");
-    autoRefresh(true);
-}
-
-void TestTicketOps::cleanup()
-{
-    Forms::unloadAll();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    db.reset();
-}
 
 // Ticket 1 is ordered 3, owes 50 and 2 empties unless the row says otherwise; the figures
 // afterwards are OutAmount/InMoney/InContainer.
@@ -134,34 +114,6 @@ void TestTicketOps::singleTicket()
              after);
 }
 
-void TestTicketOps::noRowAsksForOne_data()
-{
-    QTest::addColumn<QString>("procedure");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("InMoney") << "InMoney" << "收款失败" << "请先选定要处理的单据！";
-    QTest::newRow("OutMoney") << "OutMoney" << "退款失败" << "请先选定要处理的单据！";
-    QTest::newRow("OutAmount") << "OutAmount" << "提示" << "请先选定要处理的单据！";
-    QTest::newRow("InAmount") << "InAmount" << "提示" << "请先选定您要重置的单据！";
-    QTest::newRow("InContainer") << "InContainer" << "提示" << "请先选定要处理的单据！";
-    QTest::newRow("OutContainer") << "OutContainer" << "提示" << "请先选定您要重置的单据！";
-    QTest::newRow("DeleteData") << "DeleteData" << "提示" << "请先选定您要删除或作废的单据！";
-}
-
-void TestTicketOps::noRowAsksForOne()
-{
-    QFETCH(QString, procedure);
-    QFETCH(QString, title);
-    QFETCH(QString, text);
-    auto *w = list();
-    ScriptedPrompter prompts;
-    prompts.expect(text);
-    QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
-    VERIFY_PROMPTS(prompts);
-    QCOMPARE(prompts.last().title, title);
-    QCOMPARE(prompts.last().icon, QMessageBox::Information);
-}
-
 // Bulk operations ignore the row and the filter: every open ticket in the table changes,
 // closed ones never.
 void TestTicketOps::bulkReachesHiddenTickets_data()
@@ -215,40 +167,55 @@ void TestTicketOps::bulkReachesHiddenTickets()
     QCOMPARE(stored, values);
 }
 
-// A statement the database refuses: some operations leave the list as it was, others run it
+// The guards of each operation. With no row, one on a single ticket asks for a row. A
+// statement the database refuses: some operations leave the list as it was, others run it
 // again anyway. Questions carry their own titles and the question icon, Yes as the default.
-void TestTicketOps::failedStatementRefreshRule_data()
+void TestTicketOps::guards_data()
 {
     QTest::addColumn<QString>("procedure");
+    QTest::addColumn<QString>("noRowTitle"); // empty: works on every open ticket
+    QTest::addColumn<QString>("noRowText");
     QTest::addColumn<QString>("askTitle"); // empty: no question
     QTest::addColumn<bool>("refreshed");
-    QTest::newRow("InMoney") << "InMoney" << "" << false;
-    QTest::newRow("OutMoney") << "OutMoney" << "退款" << false;
-    QTest::newRow("OutAmount") << "OutAmount" << "" << false;
-    QTest::newRow("InAmount") << "InAmount" << "删除单据" << true;
-    QTest::newRow("InContainer") << "InContainer" << "" << true;
-    QTest::newRow("OutContainer") << "OutContainer" << "删除单据" << true;
-    QTest::newRow("InAllMoney") << "InAllMoney" << "收款" << true;
-    QTest::newRow("OutAllMoney") << "OutAllMoney" << "退款" << true;
-    QTest::newRow("OutAllAmount") << "OutAllAmount" << "出库" << false;
-    QTest::newRow("InAllAmount") << "InAllAmount" << "撤销" << true;
-    QTest::newRow("InAllContainer") << "InAllContainer" << "回收空瓶" << false;
-    QTest::newRow("OutAllContainer") << "OutAllContainer" << "撤销" << true;
+    const QString pick = "请先选定要处理的单据！", pickReset = "请先选定您要重置的单据！";
+    QTest::newRow("InMoney") << "InMoney" << "收款失败" << pick << "" << false;
+    QTest::newRow("OutMoney") << "OutMoney" << "退款失败" << pick << "退款" << false;
+    QTest::newRow("OutAmount") << "OutAmount" << "提示" << pick << "" << false;
+    QTest::newRow("InAmount") << "InAmount" << "提示" << pickReset << "删除单据" << true;
+    QTest::newRow("InContainer") << "InContainer" << "提示" << pick << "" << true;
+    QTest::newRow("OutContainer") << "OutContainer" << "提示" << pickReset << "删除单据" << true;
+    QTest::newRow("InAllMoney") << "InAllMoney" << "" << "" << "收款" << true;
+    QTest::newRow("OutAllMoney") << "OutAllMoney" << "" << "" << "退款" << true;
+    QTest::newRow("OutAllAmount") << "OutAllAmount" << "" << "" << "出库" << false;
+    QTest::newRow("InAllAmount") << "InAllAmount" << "" << "" << "撤销" << true;
+    QTest::newRow("InAllContainer") << "InAllContainer" << "" << "" << "回收空瓶" << false;
+    QTest::newRow("OutAllContainer") << "OutAllContainer" << "" << "" << "撤销" << true;
 }
 
-void TestTicketOps::failedStatementRefreshRule()
+void TestTicketOps::guards()
 {
     QFETCH(QString, procedure);
+    QFETCH(QString, noRowTitle);
+    QFETCH(QString, noRowText);
     QFETCH(QString, askTitle);
     QFETCH(bool, refreshed);
-    ticket(*db, {1, "2026-11-23", 3, 0, 50, 20, 2, 0});
     auto *w = list();
+    ScriptedPrompter prompts;
+    if (!noRowText.isEmpty()) {
+        prompts.expect(noRowText);
+        QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
+        VERIFY_PROMPTS(prompts);
+        QCOMPARE(prompts.last().title, noRowTitle);
+        QCOMPARE(prompts.last().icon, QMessageBox::Information);
+        prompts.clear();
+    }
+
+    ticket(*db, {1, "2026-11-23", 3, 0, 50, 20, 2, 0});
+    w->DataRefresh();
     // Saved elsewhere after the list ran: it shows only if the list runs again.
     ticket(*db, {2, "2026-11-23", 3, 0, 50, 0, 2, 0});
     QVERIFY(db->exec("CREATE TRIGGER refuse BEFORE UPDATE ON Sale BEGIN SELECT RAISE(ABORT, 'locked'); END"));
     w->dbgMain->setCurrentRow(0);
-
-    ScriptedPrompter prompts;
     if (!askTitle.isEmpty())
         prompts.expect(QString(), Yes, true); // the question; its text is checked elsewhere
     prompts.expect(QStringLiteral("更新数据库时出现系统错误，错误信息："), Ok, true);
@@ -268,11 +235,15 @@ void TestTicketOps::failedStatementRefreshRule()
 
 void TestTicketOps::deleteOneTicket()
 {
+    auto *w = list();
+    ScriptedPrompter prompts;
+    prompts.expect("请先选定您要删除或作废的单据！");
+    w->DeleteData();
+    QCOMPARE(prompts.last().title, QStringLiteral("提示"));
     ticket(*db, {1, "2026-11-23", 3, 0, 50, 0, 2, 0});
     ticket(*db, {2, "2026-11-23", 3, 0, 50, 0, 2, 0, "1"});
-    auto *w = list();
+    w->DataRefresh();
     w->dbgMain->setCurrentRow(0); // the closed ticket 2 comes first
-    ScriptedPrompter prompts;
     prompts.expect("此单据已被审核入帐，不能再删除！");
     w->DeleteData();
     w->dbgMain->setCurrentRow(1);

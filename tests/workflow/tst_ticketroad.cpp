@@ -57,16 +57,12 @@ private slots:
 
 void TestTicketRoad::oneTicketFromKeyingToPrint()
 {
-    Clock::set(QDateTime(Fixture::Today, QTime(9, 0)));
     Session::UserID = 1;
-    TestDb db;
-    QVERIFY(db.ok());
-    QVERIFY(db.exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
-                    "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
-    QVERIFY(db.exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
-    QVERIFY(db.exec("INSERT INTO Customer(ID,Account,Name,Address,Phone,CustType,Status,CreateDate,StationID) "
-                    "VALUES (1,1,'王五','东街1号','5551234',1,'1','2026-01-05',1)"));
-    Fixture::autoRefresh(true);
+    std::unique_ptr<TestDb> db;
+    Fixture::begin(db);
+    QVERIFY(db->exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
+                     "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
+    QVERIFY(db->exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
     registerWorkflowForms();
     registerTicketForms();
     registerCustomerForms();
@@ -102,7 +98,7 @@ void TestTicketRoad::oneTicketFromKeyingToPrint()
     QCOMPARE(list->dbgMain->model()->rowCount(), 1);
     const QString id = list->currentTicket();
     QVERIFY(!id.isEmpty());
-    QCOMPARE(list->dbgMain->model()->index(0, 9).data().toString(), QStringLiteral("东街1号"));
+    QCOMPARE(list->dbgMain->model()->index(0, 9).data().toString(), QStringLiteral("东大街1号"));
     QCOMPARE(list->dbgMain->rowStyle(0).foreground, QColor(0, 0, 255));
     const QString owed = list->dbgMain->model()->index(0, 3).data().toString();
     QVERIFY(owed.toDouble() > 0);
@@ -120,9 +116,7 @@ void TestTicketRoad::oneTicketFromKeyingToPrint()
     tool("PrintSale");
     QCOMPARE(printed, QList<qint32>{id.toInt()});
     setSalePrinter(nullptr);
-    Forms::setActiveChildProvider(nullptr);
-    Forms::unloadAll();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    Fixture::end(db);
 }
 
 QTEST_MAIN(TestTicketRoad)
