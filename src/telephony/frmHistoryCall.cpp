@@ -29,10 +29,14 @@ frmHistoryCall::frmHistoryCall(QWidget *parent) : ListWindow(parent)
 
 void frmHistoryCall::BuildMyDBGrid()
 {
+    // The time of a call must show to the second; where the screen font is wider than the
+    // one the widths were chosen for, the column grows to fit it.
+    const int timeTwips = qMax(1800, (dbgMain->fontMetrics().horizontalAdvance(QStringLiteral("2026-11-23 00:00:00"))
+                                      + 12) * 15);
     setColumns({
         numberColumn(QStringLiteral("序号"), QStringLiteral("ID"), 600, Qt::AlignLeft),
         textColumn(QStringLiteral("电话号码"), QStringLiteral("CallerID"), 1400, Qt::AlignLeft),
-        textColumn(QStringLiteral("来电时间"), QStringLiteral("CallDate"), 1800, Qt::AlignLeft),
+        textColumn(QStringLiteral("来电时间"), QStringLiteral("CallDate"), timeTwips, Qt::AlignLeft),
         textColumn(QStringLiteral("客户姓名"), QStringLiteral("CustName"), 1400, Qt::AlignLeft),
         textColumn(QStringLiteral("客户地址"), QStringLiteral("CustAddress"), 3000, Qt::AlignLeft),
     });
