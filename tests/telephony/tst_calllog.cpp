@@ -4,7 +4,6 @@
 #include "support/TestDb.h"
 
 #include "data/Gateway.h"
-#include "platform/DbGrid.h"
 #include "platform/Forms.h"
 #include "telephony/TelephonyForms.h"
 #include "telephony/frmHistoryCall.h"
@@ -92,87 +91,51 @@ private slots:
         VERIFY_PROMPTS(prompter);
     }
 
-    void deleteData_data()
+    // What each command asks or says, and what is left of the log afterwards.
+    void commands_data()
     {
-        QTest::addColumn<bool>("emptyList");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("listed");   // the list was run when the window opened
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QMessageBox::Icon>("icon");
         QTest::addColumn<QMessageBox::StandardButton>("answer");
         QTest::addColumn<QString>("callsLeft");
-        QTest::newRow("nothing listed") << true << QMessageBox::NoButton << "1,2";
-        QTest::newRow("No") << false << QMessageBox::No << "1,2";
-        QTest::newRow("Yes takes the call off with both its rows") << false << QMessageBox::Yes << "2";
+        const auto stop = QMessageBox::Critical;
+        const QString one = "你确认要删除当前来电记录吗？", all = "你确认要删除所有历史来电记录吗？";
+        QTest::newRow("DeleteData, nothing listed") << "DeleteData" << false << "请先选定您要删除的数据！" << "提示"
+                                                    << QMessageBox::Information << QMessageBox::Ok << "1,2";
+        QTest::newRow("DeleteData, No") << "DeleteData" << true << one << "删除" << stop << QMessageBox::No << "1,2";
+        // The call goes with both its rows.
+        QTest::newRow("DeleteData, Yes") << "DeleteData" << true << one << "删除" << stop << QMessageBox::Yes << "2";
+        QTest::newRow("DeleteAll, No") << "DeleteAll" << true << all << "删除" << stop << QMessageBox::No << "1,2";
+        QTest::newRow("DeleteAll, Yes") << "DeleteAll" << true << all << "删除" << stop << QMessageBox::Yes << "";
+        if (QPrinterInfo::availablePrinters().isEmpty())
+            QTest::newRow("PrintReport, no printer")
+                << "PrintReport" << true << "打印失败，请检查您的系统中是否正确安装了打印机！" << "预览" << stop
+                << QMessageBox::Ok << "1,2";
     }
-    void deleteData()
+    void commands()
     {
-        QFETCH(bool, emptyList);
+        QFETCH(QString, command);
+        QFETCH(bool, listed);
+        QFETCH(QString, text);
+        QFETCH(QString, title);
+        QFETCH(QMessageBox::Icon, icon);
         QFETCH(QMessageBox::StandardButton, answer);
         QFETCH(QString, callsLeft);
-        if (emptyList)
-            SetSysValue(QStringLiteral("AutoDataRefresh"), QStringLiteral("0"));
+        SetSysValue(QStringLiteral("AutoDataRefresh"), listed ? QStringLiteral("1") : QStringLiteral("0"));
         frmHistoryCall *w = openLog();
         ScriptedPrompter prompter;
-        if (emptyList)
-            prompter.expect(QStringLiteral("请先选定您要删除的数据！"));
-        else
-            prompter.expect(QStringLiteral("你确认要删除当前来电记录吗？"), answer);
-        w->DeleteData();
+        prompter.expect(text, answer);
+        QVERIFY(Forms::call(w, command.toLatin1().constData()));
         VERIFY_PROMPTS(prompter);
-        QCOMPARE(prompter.last().title, emptyList ? QStringLiteral("提示") : QStringLiteral("删除"));
-        QCOMPARE(prompter.last().icon, emptyList ? QMessageBox::Information : QMessageBox::Critical);
+        QCOMPARE(prompter.last().title, title);
+        QCOMPARE(prompter.last().icon, icon);
         QCOMPARE(db->scalar("SELECT group_concat(ID, ',') FROM (SELECT ID FROM Call ORDER BY ID)").toString(), callsLeft);
-        if (!emptyList)
-            QCOMPARE(shown(w).size(), callsLeft == "2" ? 1 : 3);
-    }
-
-    void deleteAll_data()
-    {
-        QTest::addColumn<QMessageBox::StandardButton>("answer");
-        QTest::addColumn<int>("callsLeft");
-        QTest::newRow("No") << QMessageBox::No << 2;
-        QTest::newRow("Yes") << QMessageBox::Yes << 0;
-    }
-    void deleteAll()
-    {
-        QFETCH(QMessageBox::StandardButton, answer);
-        QFETCH(int, callsLeft);
-        frmHistoryCall *w = openLog();
-        ScriptedPrompter prompter;
-        prompter.expect(QStringLiteral("你确认要删除所有历史来电记录吗？"), answer);
-        w->DeleteAll();
-        VERIFY_PROMPTS(prompter);
-        QCOMPARE(prompter.last().title, QStringLiteral("删除"));
-        QCOMPARE(prompter.last().icon, QMessageBox::Critical);
-        QCOMPARE(prompter.last().buttons, QMessageBox::Yes | QMessageBox::No);
-        QCOMPARE(db->count("Call"), callsLeft);
-        QCOMPARE(shown(w).isEmpty(), callsLeft == 0);
-    }
-
-    // Printed under its own heading; without a printer the message carries the preview's title.
-    void printing_data()
-    {
-        QTest::addColumn<bool>("toFile");
-        QTest::newRow("to a file") << true;
-        QTest::newRow("no printer") << false;
-    }
-    void printing()
-    {
-        QFETCH(bool, toFile);
-        QTemporaryDir out;
-        if (toFile)
-            DbGridPrintInfo::setOutputFile(out.filePath("calls.pdf"));
-        else if (!QPrinterInfo::availablePrinters().isEmpty())
-            QSKIP("this machine has a printer");
-        frmHistoryCall *w = openLog();
-        ScriptedPrompter prompter;
-        if (!toFile)
-            prompter.expect(QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"));
-        w->PrintReport();
-        DbGridPrintInfo::setOutputFile(QString());
-        VERIFY_PROMPTS(prompter);
-        QCOMPARE(w->dbgMain->PrintInfo()->PageHeader, QStringLiteral("\\t来电资料一览表"));
-        if (toFile)
-            QVERIFY(QFileInfo(out.filePath("calls.pdf")).size() > 0);
-        else
-            QCOMPARE(prompter.last().title, QStringLiteral("预览"));
+        // The list follows what is left.
+        if (listed)
+            QCOMPARE(shown(w).size(), callsLeft.isEmpty() ? 0 : callsLeft == "2" ? 1 : 3);
     }
 };
 
