@@ -21,6 +21,7 @@
 #include "platform/VbRules.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
+#include "telephony/TelephonyForms.h"
 #include "views/AdminList.h"
 #include "workflow/WorkflowForms.h"
 
@@ -78,6 +79,7 @@ void Shell::registerAllForms()
     registerCustomerForms();
     registerCatalogForms();
     registerWorkflowForms();
+    registerTelephonyForms();
 }
 
 bool Shell::startSession()

@@ -11,6 +11,7 @@
 #include "platform/Modal.h"
 #include "platform/Prompter.h"
 #include "platform/VbRules.h"
+#include "telephony/CallerIdHandler.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -41,6 +42,9 @@ frmMain::frmMain()
     m_mdi->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_mdi->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(m_mdi);
+
+    // Does nothing in the delivered build (see CallerIdHandlingOff).
+    m_callerId = new CallerIdHandler(CallerIdHandlingOff, this);
 
     m_bar = new CommandBar(this);
     buildMainCommandBar(*m_bar);
@@ -75,6 +79,33 @@ frmMain::~frmMain()
 }
 
 QString frmMain::homePage() { return QStringLiteral("http://www.tarvik.cn"); }
+
+void frmMain::setTapiline(cTAPILine *line)
+{
+    if (line == m_tapiline)
+        return;
+    // Released at once, so that the next line finds its device free.
+    delete m_tapiline.data();
+    m_tapiline = line;
+    if (!line)
+        return;
+    line->setParent(this);
+    if (m_callerId)
+        m_callerId->attach(line);
+}
+
+void frmMain::setCallerIdHandler(CallerIdHandler *handler)
+{
+    if (handler == m_callerId)
+        return;
+    delete m_callerId;
+    m_callerId = handler;
+    if (!handler)
+        return;
+    handler->setParent(this);
+    if (m_tapiline)
+        handler->attach(m_tapiline);
+}
 
 void frmMain::Form_Load()
 {

@@ -1,6 +1,10 @@
 #pragma once
-#include <QMainWindow>
+#include "telephony/cTAPILine.h"
 
+#include <QMainWindow>
+#include <QPointer>
+
+class CallerIdHandler;
 class CommandBar;
 class QMdiArea;
 class QTableView;
@@ -9,6 +13,7 @@ class QTableView;
 // arrives at ToolClick by the tool's name.
 class frmMain : public QMainWindow {
     Q_OBJECT
+    Q_PROPERTY(cTAPILine *Tapiline READ Tapiline WRITE setTapiline)
 public:
     frmMain();
     ~frmMain() override;
@@ -19,6 +24,15 @@ public:
     static frmMain *current();
     // The address behind tlHomePage.
     static QString homePage();
+
+    // The caller-ID line, made and opened by the settings window's load. Setting a new one
+    // lets go of the old one, which closes its line and shuts it down; the caller numbers of
+    // the new one go to the caller-ID handler.
+    cTAPILine *Tapiline() const { return m_tapiline; }
+    void setTapiline(cTAPILine *line);
+    // What reacts to a caller number; the window keeps it and gives it every later line.
+    CallerIdHandler *callerIdHandler() const { return m_callerId; }
+    void setCallerIdHandler(CallerIdHandler *handler);
 
 public slots:
     void ToolClick(const QString &tool);
@@ -44,4 +58,6 @@ private:
 
     CommandBar *m_bar;
     QMdiArea *m_mdi;
+    QPointer<cTAPILine> m_tapiline;
+    CallerIdHandler *m_callerId = nullptr;
 };

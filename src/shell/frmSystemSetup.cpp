@@ -1,12 +1,15 @@
 #include "frmSystemSetup.h"
 
 #include "Shell.h"
+#include "frmMain.h"
 
 #include "data/Gateway.h"
 #include "platform/Forms.h"
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
 #include "platform/VbRules.h"
+#include "telephony/NcidCallSource.h"
+#include "telephony/cTAPILine.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -15,29 +18,13 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSerialPortInfo>
 #include <QVBoxLayout>
 
 namespace {
-std::function<QList<frmSystemSetup::LineDevice>()> g_lister = [] {
-    QList<frmSystemSetup::LineDevice> devices;
-    const auto ports = QSerialPortInfo::availablePorts();
-    for (int i = 0; i < ports.size(); ++i) {
-        const QString description = ports[i].description();
-        devices << frmSystemSetup::LineDevice{
-            i, description.isEmpty() ? ports[i].portName() : ports[i].portName() + " " + description};
-    }
-    return devices;
-};
-std::function<void(int)> g_opener;
-
 // The stored flags, in the order of the boxes; the first two keys cross over their captions
 // on purpose, and the ticket window acts on the keys.
 const char *const AutoKeys[] = {"AutoOutAmount", "AutoInMoney", "AutoInContainer"};
 }
-
-void frmSystemSetup::setLineDevices(std::function<QList<LineDevice>()> lister) { g_lister = std::move(lister); }
-void frmSystemSetup::setLineOpener(std::function<void(int)> opener) { g_opener = std::move(opener); }
 
 frmSystemSetup::frmSystemSetup()
 {
@@ -64,10 +51,16 @@ frmSystemSetup::frmSystemSetup()
     txtAreaCode->setObjectName("txtAreaCode");
     txtNumberLen = new QLineEdit(frameLine);
     txtNumberLen->setObjectName("txtNumberLen");
+    txtNcidServer = new QLineEdit(frameLine);
+    txtNcidServer->setObjectName("txtNcidServer");
+    txtNcidServer->setPlaceholderText(QStringLiteral("127.0.0.1:%1").arg(NcidCallSource::DefaultPort));
+    txtNcidServer->setToolTip(QStringLiteral("来电显示服务器的地址和端口，例如 192.168.1.5:3333；"
+                                             "重新打开本窗口后生效"));
     auto *lineLayout = new QFormLayout(frameLine);
     lineLayout->addRow(cboModem);
     lineLayout->addRow(QStringLiteral("所属地区长途编号："), txtAreaCode);
     lineLayout->addRow(QStringLiteral("当地电话号码位数："), txtNumberLen);
+    lineLayout->addRow(QStringLiteral("来电显示服务器(NCID)："), txtNcidServer);
 
     auto *btnOk = new QPushButton(QStringLiteral("确定"), this);
     btnOk->setObjectName("btnOk");
@@ -93,31 +86,53 @@ frmSystemSetup::frmSystemSetup()
     Form_Load();
 }
 
+// Every step that fails is passed over and the next one runs: no failure of the line, nor a
+// stored device position that is no number, stops the main window or says anything.
 void frmSystemSetup::Form_Load()
 {
+    const auto step = [](auto &&f) {
+        try {
+            f();
+        } catch (const VbError &) {
+        }
+    };
     cboModem->clear();
-    for (const LineDevice &device : g_lister ? g_lister() : QList<LineDevice>())
-        cboModem->addItem(device.name, device.number);
+    // A new line each load; the main window lets go of the one before, and with it the device.
+    auto *line = new cTAPILine;
+    if (frmMain *main = frmMain::current())
+        main->setTapiline(line);
+    else
+        line->setParent(this); // no session to hand caller numbers to: it lives with this window
+    step([&] {
+        for (const LineDevice &device : ListLineDevices(*line))
+            cboModem->addItem(device.name, device.number);
+    });
     cboModem->setCurrentIndex(-1);
 
     for (int i = 0; i < 3; ++i)
         chkAutoDo[i]->setChecked(GetSysValue(AutoKeys[i]) == "1");
     chkSearchAddress->setChecked(GetSysValue("SearchAddress") == "1");
     chkAutoDataRefresh->setChecked(GetSysValue("AutoDataRefresh") == "1");
+    txtNcidServer->setText(GetSysValue("NcidServer"));
 
-    // A stored value that is no whole number of the 16-bit range is passed over, like every
-    // failure of this load: the position stays 0 and the program goes on.
-    int modem = 0;
-    try {
+    // ModemIndex is a position in the list, not a device number. A position past the end
+    // selects nothing, and the line then opens the device it already stands at: the last one
+    // enumerated. A text that is no number counts as the first position.
+    qint32 modem = 0;
+    step([&] {
         const QString stored = GetSysValue("ModemIndex");
         if (!stored.trimmed().isEmpty())
-            modem = CInt(stored);
-    } catch (const VbError &) {
-    }
+            modem = CLng(stored);
+    });
     if (modem >= 0) {
-        cboModem->setCurrentIndex(modem < cboModem->count() ? modem : -1);
-        if (cboModem->currentIndex() >= 0 && g_opener)
-            g_opener(cboModem->currentData().toInt());
+        if (modem < cboModem->count())
+            cboModem->setCurrentIndex(modem);
+        step([&] {
+            if (cboModem->currentIndex() >= 0)
+                line->setCurrentLineID(cboModem->currentData().toInt());
+        });
+        // Owner privilege, data-modem media: the line is watched, never answered.
+        step([&] { line->OpenLine(4, 16); });
     }
     // Shown as numbers: a stored "0427" shows as 427.
     const double areaCode = Val(GetSysValue("AreaCode"));
@@ -137,6 +152,7 @@ void frmSystemSetup::btnOk_Click()
     SetSysValue("ModemIndex", QString::number(cboModem->currentIndex()));
     SetSysValue("AreaCode", txtAreaCode->text());
     SetSysValue("NumberLen", txtNumberLen->text());
+    SetSysValue("NcidServer", txtNcidServer->text().trimmed());
     Forms::unload(this);
 }
 

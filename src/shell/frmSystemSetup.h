@@ -1,27 +1,18 @@
 #pragma once
 #include <QDialog>
-#include <QList>
-#include <functional>
 
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
 
 // The settings of ticket entry, list refresh and caller ID. The main window loads it hidden
-// at start-up, so that its load opens the caller-ID line.
+// at start-up, so that its load makes the main window's caller-ID line and opens the chosen
+// device; each later load (after OK or Cancel unloaded it) makes a new line and opens the
+// device stored then.
 class frmSystemSetup : public QDialog {
     Q_OBJECT
 public:
     frmSystemSetup();
-
-    // The caller-ID devices (number and name, in order) and how the chosen one is opened.
-    // Until the telephone line is wired in, the serial ports are listed and nothing opens.
-    struct LineDevice {
-        int number;
-        QString name;
-    };
-    static void setLineDevices(std::function<QList<LineDevice>()> lister);
-    static void setLineOpener(std::function<void(int deviceNumber)> opener);
 
 protected:
     void reject() override;
@@ -36,6 +27,7 @@ private:
     QComboBox *cboModem;
     QLineEdit *txtAreaCode;
     QLineEdit *txtNumberLen;
+    QLineEdit *txtNcidServer;
 };
 
 // Empties the business tables after two confirmations, then ends the program.

@@ -217,16 +217,23 @@ void ListWindow::ShowFilter()
     DataRefresh();
 }
 
+void ListWindow::setPrintFailures(const QString &previewText, const QString &printText, const QString &printTitle)
+{
+    m_previewFailure = previewText;
+    m_printFailure = printText;
+    m_printFailureTitle = printTitle;
+}
+
 void ListWindow::PrintPreview()
 {
     if (!printList(true))
-        Msg::error(QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("预览"));
+        Msg::error(m_previewFailure, QStringLiteral("预览"));
 }
 
 void ListWindow::PrintReport()
 {
     if (!printList(false))
-        Msg::error(QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("打印"));
+        Msg::error(m_printFailure, m_printFailureTitle);
 }
 
 double ListWindow::gridTotal(int column) const

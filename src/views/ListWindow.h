@@ -76,6 +76,9 @@ protected:
     void setCardWindow(const QString &form, CardRefresh rule);
     void setFilterDialog(const QString &form) { m_filterForm = form; }
     void setPageHeader(const QString &header) { m_pageHeader = header; }
+    // What the user is told when the list cannot be previewed or printed, where a window words
+    // it otherwise than the sale list does. The preview's title is "预览" throughout.
+    void setPrintFailures(const QString &previewText, const QString &printText, const QString &printTitle);
     // The window goes when another child window comes to the front, so each visit starts over.
     void setUnloadWhenLeft(bool unload) { m_unloadWhenLeft = unload; }
     RecordsetModel *gridModel() const { return m_model; }
@@ -128,6 +131,9 @@ private:
     CardRefresh m_cardRefresh = CardRefresh::WhenAutomatic;
     QString m_filterForm;
     QString m_pageHeader;
+    QString m_previewFailure = QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机！");
+    QString m_printFailure = QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！");
+    QString m_printFailureTitle = QStringLiteral("打印");
     bool m_unloadWhenLeft = false;
     bool m_inMemory = false;
     QStringList m_memoryFields;

@@ -9,6 +9,7 @@
 #include "support/ModalScript.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestDb.h"
+#include "telephony/ScriptedLineProvider.h"
 
 #include <QAction>
 #include <QMdiArea>
@@ -94,6 +95,8 @@ private:
 void TestMainWindow::initTestCase()
 {
     Shell::registerShellForms();
+    // The main window's caller-ID line finds no devices instead of the machine's serial ports.
+    LineProvider::setSystem(new ScriptedLineProvider(this));
     Forms::add("frmSaleAdmin", [this] {
         ++m_saleAdminLoads;
         return new frmFakeList;

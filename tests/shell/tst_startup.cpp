@@ -9,6 +9,7 @@
 #include "support/ModalScript.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestDb.h"
+#include "telephony/ScriptedLineProvider.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -22,7 +23,12 @@
 class TestStartup : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase() { Shell::registerShellForms(); }
+    void initTestCase()
+    {
+        Shell::registerShellForms();
+        // The start-up's caller-ID line finds no devices instead of the machine's serial ports.
+        LineProvider::setSystem(new ScriptedLineProvider(this));
+    }
     void cleanup();
     void databaseThatCannotOpen();
     void loginCancelledEndsTheSession();

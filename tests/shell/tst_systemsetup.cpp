@@ -1,18 +1,32 @@
 #include "shell/Shell.h"
+#include "shell/frmMain.h"
 #include "shell/frmSystemSetup.h"
 
+#include "data/Gateway.h"
+#include "data/Session.h"
+#include "platform/Clock.h"
 #include "platform/Forms.h"
 #include "platform/Modal.h"
+#include "sale/TicketForms.h"
 #include "support/ModalScript.h"
+#include "support/Rows.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestDb.h"
+#include "telephony/CallerIdHandler.h"
+#include "telephony/DeviceLineProvider.h"
+#include "telephony/NcidCallSource.h"
+#include "telephony/ScriptedLineProvider.h"
+#include "telephony/cTAPILine.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
-// The settings window and the reset of the business tables.
+// The settings window, the caller-ID line its load opens for the main window, and the reset
+// of the business tables.
 class TestSystemSetup : public QObject {
     Q_OBJECT
 private slots:
@@ -21,31 +35,48 @@ private slots:
     void cleanup();
     void loadShowsStoredValues_data();
     void loadShowsStoredValues();
+    void nextOpeningRecreatesLine_data();
+    void nextOpeningRecreatesLine();
     void okStoresUnderCrossedKeys();
+    void ringFromServerReachesTicket();
     void reset_data();
     void reset();
 
 private:
+    void storeValues(const QStringList &values);
+    // What the provider was asked to open, as "lineOpen <device> <version> <privileges> <media>".
+    QStringList opened() const { return m_provider.log.filter(QRegularExpression("^lineOpen ")); }
+    frmMain *loadMain() { return Forms::get<frmMain>("frmMain"); }
+
     std::unique_ptr<TestDb> m_db;
-    QList<int> m_opened;
+    ScriptedLineProvider m_provider;
     int m_ended = 0;
 };
 
 void TestSystemSetup::initTestCase()
 {
     Shell::registerShellForms();
+    registerTicketForms();
     Shell::setEndProgram([this] { ++m_ended; });
-    frmSystemSetup::setLineDevices([] {
-        return QList<frmSystemSetup::LineDevice>{{3, "调制解调器 A"}, {7, "调制解调器 B"}};
-    });
-    frmSystemSetup::setLineOpener([this](int device) { m_opened << device; });
+    Session::UserID = 1;
 }
 
 void TestSystemSetup::init()
 {
     m_db = std::make_unique<TestDb>();
     QVERIFY(m_db->ok());
-    m_opened.clear();
+    // Four devices; the second and the last agree no version and are not listed, so list
+    // positions and device numbers differ.
+    m_provider.devices.clear();
+    for (const char *name : {"调制解调器 A", "坏线路", "NCID 127.0.0.1:3333", "旧调制解调器"}) {
+        ScriptedLineProvider::Device d;
+        d.lineName = QByteArray(name) + '\0';
+        m_provider.devices << d;
+    }
+    m_provider.devices[1].negotiateResult = Tapi::LINEERR_INCOMPATIBLEAPIVERSION;
+    m_provider.devices[3].negotiateResult = Tapi::LINEERR_INCOMPATIBLEAPIVERSION;
+    m_provider.log.clear();
+    LineProvider::setSystem(&m_provider);
     m_ended = 0;
 }
 
@@ -53,59 +84,130 @@ void TestSystemSetup::cleanup()
 {
     Forms::unloadAll();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    LineProvider::setSystem(nullptr);
     m_db.reset();
 }
 
-void TestSystemSetup::loadShowsStoredValues_data()
+void TestSystemSetup::storeValues(const QStringList &values)
 {
-    QTest::addColumn<QStringList>("values"); // Name=myValue rows
-    QTest::addColumn<QString>("boxes");      // the five boxes, 1 for checked
-    QTest::addColumn<int>("modem");
-    QTest::addColumn<QList<int>>("opened");
-    QTest::addColumn<QString>("areaCode");
-    QTest::addColumn<QString>("numberLen");
-    // A new database has the address search and the list refresh on.
-    QTest::newRow("nothing stored") << QStringList{} << "00011" << 0 << QList<int>{3} << "0" << "0";
-    QTest::newRow("stored") << QStringList{"AutoOutAmount=1", "AutoInContainer=1", "AutoDataRefresh=1",
-                                           "ModemIndex=1", "AreaCode=0427", "NumberLen=7"}
-                            << "10111" << 1 << QList<int>{7} << "427" << "7";
-    QTest::newRow("no device chosen") << QStringList{"ModemIndex=-1", "SearchAddress=0"} << "00001" << -1
-                                      << QList<int>{} << "0" << "0";
-    // Neither stops the load: the position stays at the first device.
-    QTest::newRow("beyond a whole number") << QStringList{"ModemIndex=40000"} << "00011" << 0
-                                           << QList<int>{3} << "0" << "0";
-    QTest::newRow("not a number") << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00011" << 0
-                                  << QList<int>{3} << "0" << "8";
-}
-
-void TestSystemSetup::loadShowsStoredValues()
-{
-    QFETCH(QStringList, values);
-    QFETCH(QString, boxes);
-    QFETCH(int, modem);
-    QFETCH(QList<int>, opened);
-    QFETCH(QString, areaCode);
-    QFETCH(QString, numberLen);
     for (const QString &v : values) {
+        // A new shop already holds some of these names.
         m_db->exec(QString("DELETE FROM SysValue WHERE Name='%1'").arg(v.section('=', 0, 0)));
         m_db->exec(QString("INSERT INTO SysValue(Name,myValue) VALUES('%1','%2')")
                        .arg(v.section('=', 0, 0), v.section('=', 1)));
     }
-    QWidget *w = Forms::get("frmSystemSetup");
-    QVERIFY(!w->isVisible());
+}
+
+void TestSystemSetup::loadShowsStoredValues_data()
+{
+    QTest::addColumn<bool>("devices");
+    QTest::addColumn<QStringList>("values"); // Name=myValue rows
+    QTest::addColumn<QString>("boxes");      // the five boxes, 1 for checked
+    QTest::addColumn<int>("position");
+    QTest::addColumn<QStringList>("opened");
+    QTest::addColumn<QString>("areaCode");
+    QTest::addColumn<QString>("numberLen");
+    const QString first = "lineOpen 0 20000 4 16";
+    QTest::newRow("nothing stored") << true << QStringList{} << "00011" << 0 << QStringList{first} << "0" << "0";
+    QTest::newRow("stored") << true
+                            << QStringList{"AutoOutAmount=1", "AutoInContainer=1", "AutoDataRefresh=1",
+                                           "ModemIndex=1", "AreaCode=0427", "NumberLen=7"}
+                            << "10111" << 1 << QStringList{"lineOpen 2 20000 4 16"} << "427" << "7";
+    QTest::newRow("no device chosen") << true << QStringList{"ModemIndex=-1", "SearchAddress=1"} << "00011" << -1
+                                      << QStringList{} << "0" << "0";
+    // Past the end nothing is selected and the line stays on the last device it looked at,
+    // the unlisted one, which it tries with the version it has for it.
+    QTest::newRow("just past the end") << true << QStringList{"ModemIndex=2"} << "00011" << -1
+                                       << QStringList{"lineOpen 3 0 4 16"} << "0" << "0";
+    QTest::newRow("far past the end") << true << QStringList{"ModemIndex=40000"} << "00011" << -1
+                                      << QStringList{"lineOpen 3 0 4 16"} << "0" << "0";
+    QTest::newRow("not a number") << true << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00011" << 0
+                                  << QStringList{first} << "0" << "8";
+    QTest::newRow("no devices at all") << false << QStringList{"AutoInMoney=1"} << "01011" << -1 << QStringList{}
+                                       << "0" << "0";
+}
+
+void TestSystemSetup::loadShowsStoredValues()
+{
+    QFETCH(bool, devices);
+    QFETCH(QStringList, values);
+    QFETCH(QString, boxes);
+    QFETCH(int, position);
+    QFETCH(QStringList, opened);
+    QFETCH(QString, areaCode);
+    QFETCH(QString, numberLen);
+    if (!devices)
+        m_provider.devices.clear();
+    storeValues(values);
+    ScriptedPrompter prompter;
+
+    frmMain *main = loadMain();
+    QWidget *w = Forms::loaded("frmSystemSetup");
+    QVERIFY(w && !w->isVisible());
     QString shown;
     for (const char *name : {"chkAutoDo_0", "chkAutoDo_1", "chkAutoDo_2", "chkSearchAddress", "chkAutoDataRefresh"})
         shown += w->findChild<QCheckBox *>(name)->isChecked() ? '1' : '0';
     QCOMPARE(shown, boxes);
-    QCOMPARE(w->findChild<QComboBox *>("cboModem")->currentIndex(), modem);
-    QCOMPARE(m_opened, opened);
+    auto *cboModem = w->findChild<QComboBox *>("cboModem");
+    QCOMPARE(cboModem->count(), devices ? 2 : 0);
+    if (devices) {
+        QCOMPARE(cboModem->itemText(1), QStringLiteral("NCID 127.0.0.1:3333"));
+        QCOMPARE(cboModem->itemData(1).toInt(), 2);
+    }
+    QCOMPARE(cboModem->currentIndex(), position);
+    QCOMPARE(this->opened(), opened);
+    QVERIFY(main->Tapiline());
+    QCOMPARE(main->Tapiline()->hLine() != 0, !opened.isEmpty());
     QCOMPARE(w->findChild<QLineEdit *>("txtAreaCode")->text(), areaCode);
     QCOMPARE(w->findChild<QLineEdit *>("txtNumberLen")->text(), numberLen);
+    VERIFY_PROMPTS(prompter);
+}
+
+// The first opening shows the window loaded at start and leaves the line alone; closing it
+// unloads it, and the next opening makes a new line for the device stored then.
+void TestSystemSetup::nextOpeningRecreatesLine_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("reopened");
+    QTest::newRow("OK with the second device") << "btnOk" << "lineOpen 2 20000 4 16";
+    QTest::newRow("Cancel") << "btnCancel" << "lineOpen 0 20000 4 16";
+}
+
+void TestSystemSetup::nextOpeningRecreatesLine()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, reopened);
+    frmMain *main = loadMain();
+    QPointer<cTAPILine> first = main->Tapiline();
+    QVERIFY(first && first->hLine() != 0);
+
+    ModalScript script;
+    script.on("frmSystemSetup", [&](QWidget *w) {
+        w->findChild<QComboBox *>("cboModem")->setCurrentIndex(1);
+        ModalScript::click(w, button);
+    });
+    Modal::exec(Forms::get("frmSystemSetup"));
+    VERIFY_MODALS(script);
+    QCOMPARE(main->Tapiline(), first.data());
+    QCOMPARE(m_provider.log.filter("lineInitializeEx").size(), 1);
+    QVERIFY(!Forms::loaded("frmSystemSetup"));
+
+    const quint32 firstApp = first->lineAppHandle();
+    const qint32 firstLine = first->hLine();
+    m_provider.log.clear();
+    Forms::get("frmSystemSetup");
+    QVERIFY(first.isNull());
+    QVERIFY(main->Tapiline() && main->Tapiline()->hLine() != 0);
+    // The old line is shut down before the new one looks for devices.
+    QCOMPARE(m_provider.log.mid(0, 3), QStringList({QString("lineClose %1").arg(firstLine),
+                                                    QString("lineShutdown %1").arg(firstApp),
+                                                    "lineInitializeEx 30000"}));
+    QCOMPARE(opened(), QStringList{reopened});
 }
 
 void TestSystemSetup::okStoresUnderCrossedKeys()
 {
-    frmSystemSetup::setLineDevices([] { return QList<frmSystemSetup::LineDevice>{}; });
+    m_provider.devices.clear();
     ModalScript script;
     script.on("frmSystemSetup", [](QWidget *w) {
         w->findChild<QCheckBox *>("chkAutoDo_0")->setChecked(true); // labelled full payment
@@ -113,17 +215,70 @@ void TestSystemSetup::okStoresUnderCrossedKeys()
         w->findChild<QCheckBox *>("chkSearchAddress")->setChecked(false);
         ModalScript::type(w, "txtAreaCode", "0427");
         ModalScript::type(w, "txtNumberLen", "8");
+        ModalScript::type(w, "txtNcidServer", " 192.168.1.5:3333 ");
         ModalScript::click(w, "btnOk");
     });
     Modal::exec(Forms::get("frmSystemSetup"));
     VERIFY_MODALS(script);
     QCOMPARE(m_db->scalar("SELECT group_concat(Name||'='||myValue, ',') FROM SysValue WHERE Name<>'CompanyName'")
                  .toString(),
-             QStringLiteral("AutoDataRefresh=1,SearchAddress=0,AutoOutAmount=1,AutoInMoney=0,AutoInContainer=0,"
-                            "ModemIndex=-1,AreaCode=0427,NumberLen=8"));
-    frmSystemSetup::setLineDevices([] {
-        return QList<frmSystemSetup::LineDevice>{{3, "调制解调器 A"}, {7, "调制解调器 B"}};
+             QStringLiteral("AutoOutAmount=1,AutoInMoney=0,AutoInContainer=0,SearchAddress=0,"
+                            "AutoDataRefresh=1,ModemIndex=-1,AreaCode=0427,NumberLen=8,"
+                            "NcidServer=192.168.1.5:3333"));
+    QCOMPARE(Forms::get("frmSystemSetup")->findChild<QLineEdit *>("txtNcidServer")->text(),
+             QStringLiteral("192.168.1.5:3333"));
+}
+
+// From a caller-ID server on this machine to the open ticket: the server's address is typed
+// in the settings window, the next opening's load opens that device for the main window, and
+// the main window's handler (here with the reaction built in) logs the call and brings up the
+// caller.
+void TestSystemSetup::ringFromServerReachesTicket()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+    const QString address = QStringLiteral("127.0.0.1:%1").arg(server.serverPort());
+    DeviceLineProvider devices([] {
+        const QList<CallSource *> found = DiscoverNcidServer();
+        for (CallSource *source : found)
+            qobject_cast<NcidCallSource *>(source)->setReconnectDelay(50);
+        return found;
     });
+    LineProvider::setSystem(&devices);
+    Clock::set(QDateTime(QDate(2026, 11, 23), QTime(9, 30)));
+    Rows::customer(*m_db, 7, QStringLiteral("西街7号"), QStringLiteral("5557777"));
+    ScriptedPrompter prompter;
+
+    frmMain *main = loadMain();
+    auto *handler = new CallerIdHandler(false);
+    handler->setBeeper([] {});
+    main->setCallerIdHandler(handler);
+    ModalScript script;
+    script.on("frmSystemSetup", [&](QWidget *w) {
+        QCOMPARE(w->findChild<QComboBox *>("cboModem")->itemText(0), QStringLiteral("NCID 127.0.0.1:3333"));
+        ModalScript::type(w, "txtNcidServer", address);
+        ModalScript::click(w, "btnOk");
+    });
+    Modal::exec(Forms::get("frmSystemSetup"));
+    VERIFY_MODALS(script);
+    QWidget *setup = Forms::get("frmSystemSetup");
+    QCOMPARE(setup->findChild<QComboBox *>("cboModem")->currentText(), QStringLiteral("NCID ") + address);
+
+    QWidget *sale = Forms::get("frmSale");
+    sale->setProperty("mActionType", 1);
+    sale->show();
+    QTRY_VERIFY(server.hasPendingConnections());
+    QTcpSocket *client = server.nextPendingConnection();
+    client->write("200 NCID Server: test\n300 End of connection startup\n"
+                  "CID: *DATE*11232026*TIME*0930*LINE*-*NMBR*5557777*MESG*NONE*NAME*WANG*\n");
+    QTRY_COMPARE(m_db->count("Call", "PhoneNumber='5557777'"), 1);
+    QCOMPARE(m_db->scalar("SELECT CreateDate FROM Call").toString(), QStringLiteral("2026-11-23 09:30:00"));
+    QCOMPARE(sale->findChild<QLineEdit *>("txtCustAccount")->text(), QStringLiteral("7"));
+    QCOMPARE(sale->findChild<QLineEdit *>("txtCustAddress")->text(), QStringLiteral("西街7号"));
+    VERIFY_PROMPTS(prompter);
+    Forms::unloadAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    Clock::reset();
 }
 
 void TestSystemSetup::reset_data()

@@ -1,0 +1,4 @@
+#pragma once
+
+// Registers the call log windows under their names.
+void registerTelephonyForms();
