@@ -220,13 +220,13 @@ void ListWindow::ShowFilter()
 void ListWindow::PrintPreview()
 {
     if (!printList(true))
-        Msg::error(QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("预览"));
+        Msg::error(m_previewFailure.text, m_previewFailure.title);
 }
 
 void ListWindow::PrintReport()
 {
     if (!printList(false))
-        Msg::error(QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("打印"));
+        Msg::error(m_printFailure.text, m_printFailure.title);
 }
 
 double ListWindow::gridTotal(int column) const

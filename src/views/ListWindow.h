@@ -76,6 +76,17 @@ protected:
     void setCardWindow(const QString &form, CardRefresh rule);
     void setFilterDialog(const QString &form) { m_filterForm = form; }
     void setPageHeader(const QString &header) { m_pageHeader = header; }
+    // What the user is told when the preview or the print fails; the ticket lists' texts
+    // unless a window words its own.
+    struct PrintFailure {
+        QString text;
+        QString title;
+    };
+    void setPrintFailures(const PrintFailure &preview, const PrintFailure &print)
+    {
+        m_previewFailure = preview;
+        m_printFailure = print;
+    }
     // The window goes when another child window comes to the front, so each visit starts over.
     void setUnloadWhenLeft(bool unload) { m_unloadWhenLeft = unload; }
     RecordsetModel *gridModel() const { return m_model; }
@@ -128,6 +139,8 @@ private:
     CardRefresh m_cardRefresh = CardRefresh::WhenAutomatic;
     QString m_filterForm;
     QString m_pageHeader;
+    PrintFailure m_previewFailure{QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("预览")};
+    PrintFailure m_printFailure{QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("打印")};
     bool m_unloadWhenLeft = false;
     bool m_inMemory = false;
     QStringList m_memoryFields;
