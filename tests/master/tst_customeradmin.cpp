@@ -240,6 +240,17 @@ private slots:
         QCOMPARE(db->count("Customer", "Status='1'"), 2);
     }
 
+    // Every head sorts but 备注's, with one direction for the whole list.
+    void headClicks()
+    {
+        openList();
+        emit list->dbgMain->HeadClick(6);
+        QCOMPARE(list->curSortSQL, QStringLiteral(" ORDER BY ID Asc"));
+        emit list->dbgMain->HeadClick(2);
+        QCOMPARE(list->curFullSQL, QStringLiteral("SELECT * FROM Customer ORDER BY Name Asc"));
+        QCOMPARE(ids(list->dbgMain).value(0), QStringLiteral("3"));
+    }
+
     void printing()
     {
         if (!QPrinterInfo::availablePrinters().isEmpty())
