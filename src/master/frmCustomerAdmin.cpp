@@ -36,6 +36,9 @@ void frmCustomerAdmin::BuildMyDBGrid()
         textColumn(QStringLiteral("备注"), QStringLiteral("Detail"), 2000, Qt::AlignLeft),
     });
     setUnsortedColumn(6);
+    // Phone numbers and dates are read whole: a cut-off number is no use on the telephone.
+    setFitToCells(3);
+    setFitToCells(4);
     dbgMain->setCaption(QStringLiteral(":::客户资料一览表:::"));
 }
 

@@ -72,6 +72,9 @@ protected:
     void setColumns(const QList<GridColumn> &columns);
     // A click on this column's head changes neither order nor direction.
     void setUnsortedColumn(int column) { m_unsorted.insert(column); }
+    // The column widens to its longest cell whenever rows arrive, so that values read whole
+    // (phone numbers, dates) are never cut off; it never gets narrower than its own width.
+    void setFitToCells(int column) { m_fitToCells.insert(column); }
     // The card window opened by AddNew and EditData, and when the list runs again afterwards.
     void setCardWindow(const QString &form, CardRefresh rule);
     void setFilterDialog(const QString &form) { m_filterForm = form; }
@@ -127,6 +130,7 @@ protected:
 
 private:
     void headClick(int column);
+    void fitColumns();
     void openCard(int actionType, qint32 id);
     void refreshAfterCard();
     bool printList(bool preview);
@@ -135,6 +139,7 @@ private:
 
     RecordsetModel *m_model;
     QSet<int> m_unsorted;
+    QSet<int> m_fitToCells;
     QString m_cardForm;
     CardRefresh m_cardRefresh = CardRefresh::WhenAutomatic;
     QString m_filterForm;

@@ -75,7 +75,7 @@ private slots:
         QVERIFY(db->ok());
         QVERIFY(Rows::customer(*db, 1, QStringLiteral("河路1号")));
         QVERIFY(Rows::customer(*db, 2, QStringLiteral("河路2号"), QStringLiteral("5550000"), QStringLiteral("0")));
-        QVERIFY(Rows::customer(*db, 3, QStringLiteral("山路3号"), QStringLiteral("6660003"), QStringLiteral("1"),
+        QVERIFY(Rows::customer(*db, 3, QStringLiteral("山路3号"), QStringLiteral("0571-66600003"), QStringLiteral("1"),
                                QStringLiteral("李四")));
         QVERIFY(db->exec("UPDATE Customer SET CustType=2,CreateDate='2026-03-10',StationID=2 WHERE ID=3"));
         QVERIFY(db->exec("INSERT INTO Station(ID,Name,Status) VALUES(2,'东站','1')"));
@@ -240,10 +240,13 @@ private slots:
         QCOMPARE(db->count("Customer", "Status='1'"), 2);
     }
 
-    // Every head sorts but 备注's, with one direction for the whole list.
-    void headClicks()
+    // Every head sorts but 备注's, with one direction for the whole list; a long phone number
+    // is shown whole.
+    void headsAndWidths()
     {
         openList();
+        QVERIFY(list->dbgMain->columnWidth(3)
+                > list->dbgMain->fontMetrics().horizontalAdvance(QStringLiteral("0571-66600003")));
         emit list->dbgMain->HeadClick(6);
         QCOMPARE(list->curSortSQL, QStringLiteral(" ORDER BY ID Asc"));
         emit list->dbgMain->HeadClick(2);
