@@ -3,6 +3,7 @@
 #include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "data/SqlText.h"
+#include "platform/VbRules.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -18,7 +19,7 @@ frmCustFilter::frmCustFilter()
     };
     const auto contains = [](const char *left) {
         return [left](const ConditionRow &r) {
-            return QLatin1String(left) + Sql::text(r.text().trimmed()) + QStringLiteral("%' ");
+            return QLatin1String(left) + Sql::text(Trim(r.text())) + QStringLiteral("%' ");
         };
     };
     addCondition("chkAccount", QStringLiteral("顾客帐户"), "txtAccount", Kind::Number, 0, compare(" Account"));

@@ -18,7 +18,7 @@
 namespace {
 QString plain(QString sql)
 {
-    for (QChar mark : {Sql::TextOpen, Sql::TextClose, Sql::NumberOpen, Sql::NumberClose})
+    for (QChar mark : {Sql::TextOpen, Sql::TextClose, Sql::NumberOpen, Sql::NumberClose, Sql::DateOpen, Sql::DateClose})
         sql.remove(mark);
     return sql;
 }
@@ -56,7 +56,7 @@ class TestCustomerAdmin : public QObject {
     std::unique_ptr<TestDb> db;
     frmCustomerAdmin *list = nullptr;
 
-    // The list in front: 1 王五, 2 王五 suspended, 3 李四 of type 2 and station 2.
+    // The list in front: 1 王五, 2 王五 suspended, 3 李四 of type 2 and station 2, opened in March.
     void openList(const QString &autoRefresh = QStringLiteral("1"))
     {
         SetSysValue(QStringLiteral("AutoDataRefresh"), autoRefresh);
@@ -74,7 +74,7 @@ private slots:
         QVERIFY(Rows::customer(*db, 2, QStringLiteral("河路2号"), QStringLiteral("5550000"), QStringLiteral("0")));
         QVERIFY(Rows::customer(*db, 3, QStringLiteral("山路3号"), QStringLiteral("0571-66600003"), QStringLiteral("1"),
                                QStringLiteral("李四")));
-        QVERIFY(db->exec("UPDATE Customer SET CustType=2,StationID=2 WHERE ID=3"));
+        QVERIFY(db->exec("UPDATE Customer SET CustType=2,StationID=2,CreateDate='2026-03-10' WHERE ID=3"));
         QVERIFY(db->exec("INSERT INTO Station(ID,Name,Status) VALUES(2,'东站','1')"));
     }
     void cleanup()
@@ -106,6 +106,8 @@ private slots:
                                            << " WHERE  Name Like '%王%'  AND  CustType=1 AND  Status='0'" << QStringList{"2"} << "";
         QTest::newRow("account beyond 16 bits") << active << QStringList{"chkAccount", "txtAccount=40000"} << active
                                                 << QStringList{"1", "3"} << "数据输入格式不正确， 40000 不是有效的整数！";
+        QTest::newRow("opened since") << "" << QStringList{"chkCreateDate", "txtCreateDate=2026-3-1", "cmbOperator_1=4"}
+                                      << " WHERE  CreateDate>=#2026-3-1#" << QStringList{"3"} << "";
         QTest::newRow("date carrying #") << "" << QStringList{"chkCreateDate", "txtCreateDate=2026-1-1# or 1=1 or #2026-1-1"}
                                          << "" << all << "数据输入格式不正确， 2026-1-1# or 1=1 or #2026-1-1 不是有效的日期！";
         QTest::newRow("quote in a name") << "" << QStringList{"chkName", "txtName=王'"} << " WHERE  Name Like '%王'%' "
