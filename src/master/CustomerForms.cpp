@@ -1,6 +1,8 @@
 #include "CustomerForms.h"
 
+#include "frmCustFilter.h"
 #include "frmCustomer.h"
+#include "frmCustomerAdmin.h"
 #include "frmSelCustomer.h"
 
 #include "platform/Forms.h"
@@ -9,4 +11,6 @@ void registerCustomerForms()
 {
     Forms::add(QStringLiteral("frmCustomer"), [] { return new frmCustomer; });
     Forms::add(QStringLiteral("frmSelCustomer"), [] { return new frmSelCustomer; });
+    Forms::add(QStringLiteral("frmCustomerAdmin"), [] { return new frmCustomerAdmin; });
+    Forms::add(QStringLiteral("frmCustFilter"), [] { return new frmCustFilter; });
 }

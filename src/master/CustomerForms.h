@@ -1,4 +1,4 @@
 #pragma once
 
-// Puts the windows of this group (frmCustomer,frmSelCustomer) into the forms registry.
+// Puts the windows of this group (frmCustomer,frmSelCustomer,frmCustomerAdmin,frmCustFilter) into the forms registry.
 void registerCustomerForms();

@@ -21,8 +21,8 @@ frmHistoryCall::frmHistoryCall(QWidget *parent) : ListWindow(parent)
     // The customer filter narrows the calls on the joined customer columns.
     setFilterDialog(QStringLiteral("frmCustFilter"));
     setPageHeader(QStringLiteral("\\t来电资料一览表"));
-    setPrintFailures(QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机"),
-                     QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("预览"));
+    setPrintFailures({QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机"), QStringLiteral("预览")},
+                     {QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("预览")});
     setUnloadWhenLeft(true);
     Form_Load();
 }

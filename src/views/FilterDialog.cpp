@@ -28,6 +28,11 @@ QLineEdit *ConditionRow::edit() const { return qobject_cast<QLineEdit *>(field);
 DataCombo *ConditionRow::list() const { return qobject_cast<DataCombo *>(field); }
 QString ConditionRow::text() const { return edit() ? edit()->text() : QString(); }
 QString ConditionRow::boundText() const { return list() ? list()->BoundText() : QString(); }
+int ConditionRow::position() const
+{
+    auto *box = qobject_cast<QComboBox *>(field);
+    return box ? box->currentIndex() : -1;
+}
 
 // The one place a typed date is marked, so that the statement sees where it begins and ends.
 QString ConditionRow::typedDate(const QString &text) { return u'#' + Sql::date(text) + u'#'; }
@@ -97,6 +102,8 @@ void FilterDialog::addCondition(const char *checkName, const QString &caption, c
     connect(row.check, &QCheckBox::clicked, this, &FilterDialog::RefreshControl);
     if (kind == ConditionRow::Kind::List) {
         row.field = new DataCombo(this);
+    } else if (kind == ConditionRow::Kind::Choice) {
+        row.field = new QComboBox(this);
     } else {
         auto *e = new QLineEdit(this);
         e->installEventFilter(this);
@@ -136,6 +143,13 @@ void FilterDialog::addCondition(const char *checkName, const QString &caption, c
         const ConditionRow &r = m_rows[line];
         return r.ticked() ? r.clause(r) : QString();
     };
+}
+
+void FilterDialog::setValueKind(const char *fieldName, int kind)
+{
+    for (ConditionRow &row : m_rows)
+        if (row.field->objectName() == QLatin1String(fieldName))
+            row.valueKind = kind;
 }
 
 void FilterDialog::addClause(std::function<QString()> clause) { m_parts << std::move(clause); }

@@ -16,7 +16,9 @@ class QVBoxLayout;
 // comparison is free, the field's value check and the clause it adds when ticked.
 class ConditionRow {
 public:
-    enum class Kind { Text, Number, Date, List };
+    // List: a drop-down over a result set, read by its bound value. Choice: a drop-down of
+    // fixed items, read by the position of the chosen one.
+    enum class Kind { Text, Number, Date, List, Choice };
 
     QCheckBox *check = nullptr;
     QWidget *field = nullptr;
@@ -29,6 +31,7 @@ public:
     QString opText() const;
     QString text() const;      // the field's text as typed
     QString boundText() const; // of a list field
+    int position() const;      // of a list or choice field; -1 with nothing chosen
     QLineEdit *edit() const;
     DataCombo *list() const;
 
@@ -68,6 +71,8 @@ protected:
     void addCondition(const char *checkName, const QString &caption, const char *fieldName,
                                ConditionRow::Kind kind, int operatorIndex,
                                std::function<QString(const ConditionRow &)> clause);
+    // A number field whose value check is another kind (3: a 16-bit whole number).
+    void setValueKind(const char *fieldName, int kind);
     // A clause from something other than a condition (an option), in its place among them.
     void addClause(std::function<QString()> clause);
     // A row of options; the first is chosen.

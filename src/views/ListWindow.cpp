@@ -14,6 +14,7 @@
 #include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QStyle>
 #include <QVBoxLayout>
 
 ListWindow::ListWindow(QWidget *parent)
@@ -91,6 +92,7 @@ void ListWindow::showRows(const QStringList &fields, const QVector<Recordset::Ro
     curRecordSet = std::make_shared<Recordset>(fields, rows, QString(), QSqlDatabase());
     rsClone = curRecordSet->clone();
     m_model->setRecordset(curRecordSet);
+    fitColumns();
     dbgMain->MoveFirst();
     ShowTotal();
 }
@@ -102,6 +104,7 @@ void ListWindow::openQuery()
         return;
     rsClone = curRecordSet->clone();
     m_model->setRecordset(curRecordSet);
+    fitColumns();
     dbgMain->MoveFirst();
     ShowTotal();
 }
@@ -128,6 +131,7 @@ void ListWindow::DataRefresh()
     if (!curRecordSet)
         return;
     rsClone = curRecordSet->clone();
+    fitColumns();
     ShowTotal();
 
     int row = -1;
@@ -158,6 +162,21 @@ void ListWindow::headClick(int column)
                  + (curSortDirection == 1 ? QStringLiteral(" Asc") : QStringLiteral(" Desc"));
     ShowSortIcon(column, curSortDirection);
     DataRefresh();
+}
+
+void ListWindow::fitColumns()
+{
+    if (m_fitToCells.isEmpty())
+        return;
+    const QFontMetrics metrics(dbgMain->font());
+    const int margins = 2 * dbgMain->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, dbgMain) + 8;
+    for (const int column : std::as_const(m_fitToCells)) {
+        int widest = 0;
+        for (int r = 0, n = m_model->rowCount(); r < n; ++r)
+            widest = qMax(widest, metrics.horizontalAdvance(m_model->index(r, column).data().toString()));
+        if (dbgMain->columnWidth(column) < widest + margins)
+            dbgMain->setColumnWidth(column, widest + margins);
+    }
 }
 
 void ListWindow::ShowSortIcon(int ColIndex, qint32 Direction) { dbgMain->setSortMark(ColIndex, Direction); }
@@ -217,23 +236,16 @@ void ListWindow::ShowFilter()
     DataRefresh();
 }
 
-void ListWindow::setPrintFailures(const QString &previewText, const QString &printText, const QString &printTitle)
-{
-    m_previewFailure = previewText;
-    m_printFailure = printText;
-    m_printFailureTitle = printTitle;
-}
-
 void ListWindow::PrintPreview()
 {
     if (!printList(true))
-        Msg::error(m_previewFailure, QStringLiteral("预览"));
+        Msg::error(m_previewFailure.text, m_previewFailure.title);
 }
 
 void ListWindow::PrintReport()
 {
     if (!printList(false))
-        Msg::error(m_printFailure, m_printFailureTitle);
+        Msg::error(m_printFailure.text, m_printFailure.title);
 }
 
 double ListWindow::gridTotal(int column) const

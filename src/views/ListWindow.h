@@ -72,13 +72,24 @@ protected:
     void setColumns(const QList<GridColumn> &columns);
     // A click on this column's head changes neither order nor direction.
     void setUnsortedColumn(int column) { m_unsorted.insert(column); }
+    // The column widens to its longest cell whenever rows arrive, so that values read whole
+    // (phone numbers, dates) are never cut off; it never gets narrower than its own width.
+    void setFitToCells(int column) { m_fitToCells.insert(column); }
     // The card window opened by AddNew and EditData, and when the list runs again afterwards.
     void setCardWindow(const QString &form, CardRefresh rule);
     void setFilterDialog(const QString &form) { m_filterForm = form; }
     void setPageHeader(const QString &header) { m_pageHeader = header; }
-    // What the user is told when the list cannot be previewed or printed, where a window words
-    // it otherwise than the sale list does. The preview's title is "预览" throughout.
-    void setPrintFailures(const QString &previewText, const QString &printText, const QString &printTitle);
+    // What the user is told when the preview or the print fails; the ticket lists' texts
+    // unless a window words its own.
+    struct PrintFailure {
+        QString text;
+        QString title;
+    };
+    void setPrintFailures(const PrintFailure &preview, const PrintFailure &print)
+    {
+        m_previewFailure = preview;
+        m_printFailure = print;
+    }
     // The window goes when another child window comes to the front, so each visit starts over.
     void setUnloadWhenLeft(bool unload) { m_unloadWhenLeft = unload; }
     RecordsetModel *gridModel() const { return m_model; }
@@ -119,6 +130,7 @@ protected:
 
 private:
     void headClick(int column);
+    void fitColumns();
     void openCard(int actionType, qint32 id);
     void refreshAfterCard();
     bool printList(bool preview);
@@ -127,13 +139,13 @@ private:
 
     RecordsetModel *m_model;
     QSet<int> m_unsorted;
+    QSet<int> m_fitToCells;
     QString m_cardForm;
     CardRefresh m_cardRefresh = CardRefresh::WhenAutomatic;
     QString m_filterForm;
     QString m_pageHeader;
-    QString m_previewFailure = QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机！");
-    QString m_printFailure = QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！");
-    QString m_printFailureTitle = QStringLiteral("打印");
+    PrintFailure m_previewFailure{QStringLiteral("打印预览失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("预览")};
+    PrintFailure m_printFailure{QStringLiteral("打印失败，请检查您的系统中是否正确安装了打印机！"), QStringLiteral("打印")};
     bool m_unloadWhenLeft = false;
     bool m_inMemory = false;
     QStringList m_memoryFields;
