@@ -7,7 +7,6 @@
 #include "platform/Clock.h"
 #include "platform/Forms.h"
 #include "platform/Modal.h"
-#include "platform/VbError.h"
 #include "platform/VbRules.h"
 
 namespace {
@@ -32,25 +31,19 @@ frmTodayReport::frmTodayReport(QWidget *parent) : ListWindow(parent)
     askReport();
 }
 
+namespace {
+// An unknown station gives the empty name, and the title goes on without it.
+QString stationName(qint32 id) { return GetFieldByID(id, QStringLiteral("Station"), QStringLiteral("Name")); }
+}
+
 QString frmTodayReport::reportTitle() const
 {
-    QString station;
-    try {
-        station = GetFieldByID(curStationID, QStringLiteral("Station"), QStringLiteral("Name"));
-    } catch (const VbError &) {
-        // The gateway has said why; the title goes without the station.
-    }
-    return station + DateText(ReportDate) + QStringLiteral("日盘点表");
+    return stationName(curStationID) + DateText(ReportDate) + QStringLiteral("日盘点表");
 }
 
 QString frmTodayReport::printHeader() const
 {
-    QString station;
-    try {
-        station = GetFieldByID(curStationID, QStringLiteral("Station"), QStringLiteral("Name"));
-    } catch (const VbError &) {
-    }
-    return QStringLiteral("\\t") + DateText(ReportDate) + station + QStringLiteral("日盘点表");
+    return QStringLiteral("\\t") + DateText(ReportDate) + stationName(curStationID) + QStringLiteral("日盘点表");
 }
 
 void frmTodayReport::SetMyDBGrid()
