@@ -57,6 +57,8 @@ QVariant RecordsetModel::data(const QModelIndex &index, int role) const
         return v;
     case Qt::TextAlignmentRole:
         return int(column.alignment);
+    case Qt::BackgroundRole:
+        return column.background.isValid() ? QVariant(column.background) : QVariant();
     case GridRole::Bookmark:
         return m_rs->bookmarkAt(index.row());
     default:

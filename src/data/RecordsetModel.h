@@ -2,6 +2,7 @@
 #include "Recordset.h"
 
 #include <QAbstractTableModel>
+#include <QColor>
 #include <functional>
 
 // One column of a grid over a snapshot: the head caption, the field shown, its width in
@@ -14,6 +15,8 @@ struct GridColumn {
     // Display text of a value; empty means the value's own text with null as "".
     std::function<QString(const QVariant &)> format;
     bool visible = true;
+    // The column's own cell colour (a title column); invalid keeps the grid's.
+    QColor background = QColor();
 };
 
 // A read-only table model over a snapshot. Rows are the snapshot's visible rows; the

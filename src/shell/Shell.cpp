@@ -19,6 +19,7 @@
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
 #include "platform/VbRules.h"
+#include "report/TodayForms.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
 #include "telephony/TelephonyForms.h"
@@ -80,6 +81,7 @@ void Shell::registerAllForms()
     registerCatalogForms();
     registerWorkflowForms();
     registerTelephonyForms();
+    registerTodayForms();
 }
 
 bool Shell::startSession()

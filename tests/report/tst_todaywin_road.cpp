@@ -1,0 +1,150 @@
+// The end of a ticket's road through the real windows: settled from the sale list, seen in
+// the stock-take, closed from the today report, and from then on only to be looked at; its
+// out voucher carries the goods, and the next stock-take no longer takes them off.
+#include "support/ModalScript.h"
+#include "support/Rows.h"
+#include "workflow/TicketFixture.h"
+
+#include "data/Session.h"
+#include "master/CustomerForms.h"
+#include "platform/Forms.h"
+#include "report/TodayForms.h"
+#include "report/frmTodayReport.h"
+#include "sale/TicketForms.h"
+#include "workflow/WorkflowForms.h"
+#include "workflow/frmSaleAdmin.h"
+
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QtTest>
+
+namespace {
+// The stock cell (amount) of a product in the report in front: the last row naming it.
+QString stockOf(QWidget *report, const QString &product)
+{
+    auto *w = qobject_cast<frmTodayReport *>(report);
+    if (!w)
+        return QStringLiteral("no report");
+    for (int r = w->dbgMain->model()->rowCount() - 1; r >= 0; --r)
+        if (w->dbgMain->model()->index(r, 0).data().toString().endsWith(product))
+            return w->dbgMain->model()->index(r, 1).data().toString();
+    return QStringLiteral("not listed");
+}
+}
+
+class TestTodayRoad : public QObject {
+    Q_OBJECT
+private slots:
+    void settledTicketIsClosedAndOnlyViewed();
+};
+
+void TestTodayRoad::settledTicketIsClosedAndOnlyViewed()
+{
+    Clock::set(QDateTime(Fixture::Today, QTime(18, 0)));
+    Session::UserID = 1;
+    TestDb db;
+    QVERIFY(db.ok());
+    QVERIFY(db.exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
+                    "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
+    QVERIFY(db.exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
+    Fixture::customer(db, 1, QStringLiteral("东街1号"));
+    // Two buckets of water delivered today, not yet paid, the empty buckets not yet back.
+    QVERIFY(db.exec("INSERT INTO Sale(ID,CustomerID,SenderID,UserID,TotalAmount,OutAmount,TotalMoney,InMoney,"
+                    "TotalContainer,InContainer,TransferFee,Detail,CreateDate,FinishFlag,StationID) "
+                    "VALUES(1,1,1,1,2,2,20,0,2,0,0,'','2026-11-23','0',1)"));
+    QVERIFY(db.exec("INSERT INTO Sale_detail(SaleID,ProductID,Price,MyAmount,MyMoney,IsContainer) VALUES "
+                    "(1,1,10,2,20,'0'),(1,3,0,2,0,'1')"));
+    Fixture::autoRefresh(true);
+    registerWorkflowForms();
+    registerTicketForms();
+    registerCustomerForms();
+    registerTodayForms();
+
+    // The main window's routing: plain windows by name into the work area, tools on the child in front.
+    QMdiArea area;
+    area.resize(1000, 600);
+    area.show();
+    Forms::setActiveChildProvider([&] { return area.activeSubWindow() ? area.activeSubWindow()->widget() : nullptr; });
+    auto showChild = [&](const QString &name) {
+        QWidget *form = Forms::get(name);
+        QMdiSubWindow *frame = nullptr;
+        for (QMdiSubWindow *sub : area.subWindowList())
+            if (sub->widget() == form)
+                frame = sub;
+        if (!frame)
+            frame = area.addSubWindow(form);
+        form->show();
+        area.setActiveSubWindow(frame);
+    };
+    auto tool = [](const char *procedure) { QVERIFY(Forms::call(Forms::activeChild(), procedure)); };
+    ModalScript modals;
+    ScriptedPrompter prompts;
+    auto takeStock = [&] {
+        modals.on("frmSetTodayReport", [](QWidget *dialog) {
+            QVERIFY(ModalScript::type(dialog, QStringLiteral("txtDate"), QStringLiteral("11-23-2026")));
+            QVERIFY(ModalScript::click(dialog, QStringLiteral("btnOk")));
+        });
+        showChild(QStringLiteral("frmTodayReport"));
+    };
+
+    showChild(QStringLiteral("frmSaleAdmin"));
+    prompts.expect(QStringLiteral("成功收到1号单据销售款：人民币20元！"));
+    tool("InMoney");
+    takeStock();
+    QCOMPARE(stockOf(Forms::activeChild(), QStringLiteral("纯净水")), QStringLiteral("-2"));
+    QCOMPARE(stockOf(Forms::activeChild(), QStringLiteral("空桶")), QStringLiteral("-2")); // buckets still out
+
+    showChild(QStringLiteral("frmSaleAdmin"));
+    QVERIFY(!Forms::loaded(QStringLiteral("frmTodayReport")));
+    tool("InContainer");
+    takeStock();
+    QCOMPARE(stockOf(Forms::activeChild(), QStringLiteral("空桶")), QStringLiteral("0"));
+
+    prompts.expectInput(QStringLiteral("11-23-2026"))
+        .expect(QStringLiteral("你确认要将11-23-2026之前的所有单据吗，结转后的单据将不能修改？"), QMessageBox::Yes)
+        .expect(QStringLiteral("系统准备结转本期单据，请再次确认是否要结帐？"), QMessageBox::Yes)
+        .expect(QStringLiteral("成功进行1 张有效单据入帐！"));
+    tool("FinishToday");
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(db.scalar("SELECT FinishFlag FROM Sale WHERE ID=1").toString(), QStringLiteral("1"));
+    // The out voucher: the ticket's number, day and totals, made by the program, no station,
+    // and the water alone: the buckets come back and are no stock leaving.
+    QCOMPARE(db.count("Store", "PaperID='1' AND CreateDate='2026-11-23' AND TotalAmount=2 AND TotalMoney=20 "
+                               "AND Detail='根据销售单自动生成' AND HandInput='0' AND Direction='1' "
+                               "AND FinishFlag='1' AND StationID IS NULL"),
+             1);
+    QCOMPARE(db.count("Store_Detail", "ProductID=1 AND MyAmount=2 AND MyMoney=20"), 1);
+    QCOMPARE(db.count("Store_Detail"), 1);
+
+    // Back in the list the ticket opens for viewing only, and the operations refuse it.
+    showChild(QStringLiteral("frmSaleAdmin"));
+    tool("DataRefresh");
+    modals.on("frmSale", [](QWidget *form) {
+        QCOMPARE(form->property("mActionType").toInt(), 0);
+        QVERIFY(form->findChild<QPushButton *>(QStringLiteral("btnSave"))->isHidden());
+        QVERIFY(!form->findChild<QLineEdit *>(QStringLiteral("txtCustAddress"))->isEnabled());
+        QVERIFY(ModalScript::click(form, QStringLiteral("btnExit")));
+    });
+    tool("EditData");
+    prompts.expect(QStringLiteral("该单据已经入帐不能再退款！"));
+    tool("OutMoney");
+    prompts.expect(QStringLiteral("此单据已被审核入帐，不能再删除！"));
+    tool("DeleteData");
+    VERIFY_PROMPTS(prompts);
+    QCOMPARE(db.scalar("SELECT InMoney FROM Sale WHERE ID=1").toDouble(), 20.0);
+
+    // The next stock-take: the ticket no longer takes the water off, and its voucher, having
+    // no station, does not take it off either.
+    takeStock();
+    QCOMPARE(stockOf(Forms::activeChild(), QStringLiteral("纯净水")), QStringLiteral("0"));
+    VERIFY_MODALS(modals);
+
+    Forms::setActiveChildProvider(nullptr);
+    Forms::unloadAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QTEST_MAIN(TestTodayRoad)
+#include "tst_todaywin_road.moc"
