@@ -41,7 +41,12 @@ private slots:
         form->show();
         QVERIFY(QTest::qWaitForWindowExposed(form));
         auto *address = form->findChild<QLineEdit *>(QStringLiteral("txtCustAddress"));
-        address->setText(QStringLiteral("新村3号"));
+        address->setFocus();
+        for (const QChar ch : QStringLiteral("新村3号")) {
+            QTest::sendKeyEvent(QTest::Press, address, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Release, address, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+        }
+        QTest::keyClick(address, Qt::Key_Return);
         auto *grid = form->findChild<QTableView *>(QStringLiteral("dbgDetail"));
         const QModelIndex cell = grid->model()->index(0, 0);
         grid->setFocus();
@@ -49,6 +54,8 @@ private slots:
         grid->edit(cell);
         QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("1"));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCoreApplication::processEvents();
+        QVERIFY(form->findChild<QPushButton *>(QStringLiteral("btnSave"))->isEnabled());
         // A long remark needs pages the disk no longer has.
         const QString remark(6000, QLatin1Char('x'));
         form->findChild<QPlainTextEdit *>(QStringLiteral("txtDetail"))->setPlainText(remark);

@@ -209,15 +209,13 @@ int main(int argc, char **argv)
                             QStringLiteral("20261123"));
     QCommandLineOption runs(QStringLiteral("runs"), QStringLiteral("runs of each operation"), QStringLiteral("n"),
                             QStringLiteral("7"));
-    QCommandLineOption bare(QStringLiteral("without-indexes"),
-                            QStringLiteral("measure with the indexes and statistics a shop had before they were added"));
     QCommandLineOption soak(QStringLiteral("soak"),
                             QStringLiteral("instead of timing: kill a program saving tickets again and again, checking the file after each kill"));
     QCommandLineOption kills(QStringLiteral("kills"), QStringLiteral("kills of the soak"), QStringLiteral("n"),
                              QStringLiteral("200"));
     QCommandLineOption saver(QStringLiteral("save-tickets"),
                              QStringLiteral("save tickets into the file until killed (the soak's saver)"), QStringLiteral("file"));
-    parser.addOptions({days, perDay, stuck, customers, seed, runs, bare, soak, kills, saver});
+    parser.addOptions({days, perDay, stuck, customers, seed, runs, soak, kills, saver});
     parser.process(app);
     if (parser.isSet(saver))
         return TicketSaver::run(parser.value(saver), 0, QStringLiteral("S%1").arg(QCoreApplication::applicationPid()));
@@ -265,27 +263,16 @@ int main(int argc, char **argv)
         die(QStringLiteral("cannot open: ") + error);
     QDate last;
     {
-    QSqlQuery q(Database::connection());
-    if (parser.isSet(bare)) {
-        q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type='index' AND name LIKE 'idx_report_%'"));
-        QStringList names;
-        while (q.next())
-            names << q.value(0).toString();
-        for (const QString &name : names)
-            q.exec(QStringLiteral("DROP INDEX ") + name);
-        q.exec(QStringLiteral("DROP TABLE IF EXISTS sqlite_stat1"));
-        q.exec(QStringLiteral("DROP TABLE IF EXISTS sqlite_stat4"));
-        out << "dropped the statistics and " << names.join(QLatin1Char(' ')) << Qt::endl;
-    }
-    q.exec(QStringLiteral("SELECT count(*), sum(FinishFlag='0'), max(CreateDate) FROM Sale"));
-    q.next();
-    last = QDate::fromString(q.value(2).toString(), Qt::ISODate);
-    out << "tickets " << q.value(0).toLongLong() << ", open " << q.value(1).toLongLong();
-    q.exec(QStringLiteral("SELECT (SELECT count(*) FROM Sale_detail), (SELECT count(*) FROM Customer), "
-                          "(SELECT count(*) FROM Store), (SELECT count(*) FROM Store_detail)"));
-    q.next();
-    out << ", lines " << q.value(0).toLongLong() << ", customers " << q.value(1).toLongLong() << ", vouchers "
-        << q.value(2).toLongLong() << ", voucher lines " << q.value(3).toLongLong() << Qt::endl;
+        QSqlQuery q(Database::connection());
+        q.exec(QStringLiteral("SELECT count(*), sum(FinishFlag='0'), max(CreateDate) FROM Sale"));
+        q.next();
+        last = QDate::fromString(q.value(2).toString(), Qt::ISODate);
+        out << "tickets " << q.value(0).toLongLong() << ", open " << q.value(1).toLongLong();
+        q.exec(QStringLiteral("SELECT (SELECT count(*) FROM Sale_detail), (SELECT count(*) FROM Customer), "
+                              "(SELECT count(*) FROM Store), (SELECT count(*) FROM Store_detail)"));
+        q.next();
+        out << ", lines " << q.value(0).toLongLong() << ", customers " << q.value(1).toLongLong() << ", vouchers "
+            << q.value(2).toLongLong() << ", voucher lines " << q.value(3).toLongLong() << Qt::endl;
     }
     // The closing runs start from the shop as the program left it at opening (its indexes and
     // statistics in place), before any write of the runs below.
