@@ -3,12 +3,15 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStandardPaths>
+#include <sqlite3.h>
 
 namespace {
 QString g_path;
+int g_busyTimeout = 10000;
 
 // Text compares case-blind, as the program's statements expect. Dates are ISO text, money
 // real numbers, flags one-character text. No reference is enforced: the program keeps them.
@@ -59,7 +62,6 @@ const char *const Schema[] = {
 
     // What the ticket window, the lists and the caller-ID lookups search by.
     "CREATE INDEX idx_sale_customer ON Sale(CustomerID)",
-    "CREATE INDEX idx_sale_date ON Sale(CreateDate)",
     "CREATE INDEX idx_sale_finish ON Sale(FinishFlag)",
     "CREATE INDEX idx_saledetail_sale ON Sale_detail(SaleID)",
     "CREATE INDEX idx_store_date ON Store(CreateDate)",
@@ -85,6 +87,12 @@ const char *const ReportIndexes[] = {
     "CREATE INDEX IF NOT EXISTS idx_report_store_station ON Store(StationID,Direction,CreateDate) "
     "WHERE StationID IS NOT NULL",
     "CREATE INDEX IF NOT EXISTS idx_report_storeline ON Store_detail(StoreID,ProductID,MyAmount,MyMoney)",
+    // The period reports add up a year of tickets by date: read from the index alone.
+    "CREATE INDEX IF NOT EXISTS idx_report_sale_date ON Sale(CreateDate,TotalAmount,TotalMoney,InMoney,TotalContainer,"
+    "InContainer,TransferFee,OutAmount,CustomerID,SenderID)",
+    "DROP INDEX IF EXISTS idx_sale_date",
+    // The closing marks every voucher closed; only the few not yet closed need finding.
+    "CREATE INDEX IF NOT EXISTS idx_report_store_open ON Store(FinishFlag) WHERE FinishFlag IS NOT '1'",
 };
 
 bool run(QSqlDatabase &db, const QString &sql, QString *error)
@@ -97,15 +105,32 @@ bool run(QSqlDatabase &db, const QString &sql, QString *error)
     return false;
 }
 
-// The planner picks the customer and date indexes from these statistics. A file that never
-// had them gets a full ANALYZE once; after that PRAGMA optimize only re-reads tables whose
-// size moved a lot, which costs next to nothing on an ordinary start. Failing here is harmless.
+// The planner picks the customer and date indexes from these statistics, so they must follow
+// the shop as it grows: a table whose rows have more than doubled since they were gathered
+// (or that never had any) is measured again, on a bounded sample so that a start stays quick.
+// Line tables grow with their tickets and vouchers. Failing here is harmless.
 void keepStatistics(QSqlDatabase &db)
 {
     QSqlQuery q(db);
-    const bool analysed = q.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE name='sqlite_stat1'")) && q.next();
-    q.finish();
-    q.exec(analysed ? QStringLiteral("PRAGMA optimize") : QStringLiteral("ANALYZE"));
+    q.exec(QStringLiteral("PRAGMA analysis_limit=1000"));
+    const QList<QStringList> families = {{QStringLiteral("Sale"), QStringLiteral("Sale_detail")},
+                                         {QStringLiteral("Store"), QStringLiteral("Store_detail")},
+                                         {QStringLiteral("Customer")}};
+    for (const QStringList &family : families) {
+        qint64 measured = -1;
+        if (q.exec(QStringLiteral("SELECT stat FROM sqlite_stat1 WHERE tbl='%1' AND idx IS NOT NULL LIMIT 1").arg(family[0]))
+            && q.next())
+            measured = q.value(0).toString().section(QLatin1Char(' '), 0, 0).toLongLong();
+        q.finish();
+        const qint64 rows = q.exec(QStringLiteral("SELECT max(ID) FROM %1").arg(family[0])) && q.next()
+                                ? q.value(0).toLongLong()
+                                : 0;
+        q.finish();
+        if (measured < 0 || rows > 2 * measured + 100)
+            for (const QString &table : family)
+                q.exec(QStringLiteral("ANALYZE ") + table);
+    }
+    q.exec(QStringLiteral("PRAGMA optimize"));
 }
 
 bool hasTables(QSqlDatabase &db) { return db.tables().contains(QStringLiteral("SysUser"), Qt::CaseInsensitive); }
@@ -129,6 +154,8 @@ QString Database::defaultPath()
 {
     const QString beside = QCoreApplication::applicationDirPath();
     const QFileInfo dir(beside);
+    if (!beside.isEmpty() && QFileInfo::exists(QDir(beside).filePath(QLatin1String(FileName))))
+        return QDir(beside).filePath(QLatin1String(FileName));
     if (!beside.isEmpty() && dir.isDir() && dir.isWritable())
         return QDir(beside).filePath(QLatin1String(FileName));
     QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
@@ -184,10 +211,18 @@ bool Database::open(const QString &path, QString *error)
             *error = QStringLiteral("找不到数据库所在的文件夹：%1").arg(info.absolutePath());
         return false;
     }
+    // The engine keeps its log beside the file, so the folder must take writes as well.
+    if (info.exists() && (!info.isWritable() || !QFileInfo(info.absolutePath()).isWritable())) {
+        if (error)
+            *error = QStringLiteral("数据库文件 %1 不能写入：文件、它所在的文件夹或磁盘是只读的。"
+                                    "请让管理员给这个文件和它所在的文件夹写入权限，然后重新启动本程序。")
+                         .arg(QDir::toNativeSeparators(info.absoluteFilePath()));
+        return false;
+    }
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(ConnectionName));
     db.setDatabaseName(path);
     // Another workstation's program may hold the file for a moment: wait rather than fail.
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000"));
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(g_busyTimeout));
     if (!db.open()) {
         if (error)
             *error = db.lastError().text();
@@ -196,8 +231,14 @@ bool Database::open(const QString &path, QString *error)
         return false;
     }
     QString failure;
-    bool ok = run(db, QStringLiteral("PRAGMA journal_mode=WAL"), &failure)
-              && run(db, QStringLiteral("PRAGMA foreign_keys=OFF"), &failure);
+    QSqlQuery first(db);
+    bool ok = first.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
+    if (!ok) {
+        const QString meaning = explain(first.lastError().nativeErrorCode().toInt(), info.absoluteFilePath());
+        failure = meaning.isEmpty() ? first.lastError().text() : meaning;
+    }
+    first.finish();
+    ok = ok && run(db, QStringLiteral("PRAGMA foreign_keys=OFF"), &failure);
     if (ok && !hasTables(db))
         ok = create(db, &failure);
     if (ok) {
@@ -213,6 +254,69 @@ bool Database::open(const QString &path, QString *error)
         return false;
     }
     g_path = info.absoluteFilePath();
+    return true;
+}
+
+QString Database::path() { return g_path; }
+
+void Database::setBusyTimeout(int ms) { g_busyTimeout = ms; }
+
+QString Database::explain(int engineCode, const QString &path)
+{
+    const QString file = QDir::toNativeSeparators(QFileInfo(path.isEmpty() ? g_path : path).absoluteFilePath());
+    switch (engineCode & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return QStringLiteral("另一个工作站正在写入数据库 %1，等候超时。请稍后再试一次。").arg(file);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return QStringLiteral("数据库文件 %1 已损坏，无法读取。请退出本程序，用它旁边 backup 文件夹里最近一天的备份"
+                              "替换它（先把损坏的文件另存一份），然后重新启动。")
+            .arg(file);
+    default:
+        return QString();
+    }
+}
+
+bool Database::backupDaily(const QDate &today, QString *error)
+{
+    auto fail = [&](const QString &why) {
+        if (error)
+            *error = why;
+        return false;
+    };
+    if (!isOpen() || g_path.isEmpty())
+        return fail(QStringLiteral("no database open"));
+    QDir folder(QFileInfo(g_path).absolutePath());
+    if (!folder.mkpath(QStringLiteral("backup")) || !folder.cd(QStringLiteral("backup")))
+        return fail(QStringLiteral("cannot make the backup folder"));
+    const QString name = QStringLiteral("Tarvik-%1.mdb").arg(today.toString(Qt::ISODate));
+    if (!folder.exists(name)) {
+        const QVariant handle = connection().driver()->handle();
+        sqlite3 *source = *static_cast<sqlite3 *const *>(handle.constData());
+        const QString part = folder.filePath(name + QStringLiteral(".part"));
+        QFile::remove(part);
+        sqlite3 *target = nullptr;
+        int rc = sqlite3_open(QFile::encodeName(part).constData(), &target);
+        if (rc == SQLITE_OK) {
+            // One step copies all pages under one read lock: a consistent copy of the day's start.
+            sqlite3_backup *backup = sqlite3_backup_init(target, "main", source, "main");
+            rc = backup ? sqlite3_backup_step(backup, -1) : sqlite3_errcode(target);
+            if (backup)
+                sqlite3_backup_finish(backup);
+            rc = rc == SQLITE_DONE ? SQLITE_OK : rc;
+        }
+        const QString why = rc == SQLITE_OK ? QString() : QString::fromUtf8(sqlite3_errstr(rc));
+        sqlite3_close(target);
+        // Only a whole copy takes the day's name.
+        if (rc != SQLITE_OK || !QFile::rename(part, folder.filePath(name))) {
+            QFile::remove(part);
+            return fail(why.isEmpty() ? QStringLiteral("cannot name the backup") : why);
+        }
+    }
+    QStringList copies = folder.entryList({QStringLiteral("Tarvik-\?\?\?\?-\?\?-\?\?.mdb")}, QDir::Files, QDir::Name);
+    while (copies.size() > 7)
+        folder.remove(copies.takeFirst());
     return true;
 }
 

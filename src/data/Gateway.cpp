@@ -5,6 +5,7 @@
 #include "SqlText.h"
 #include "SqliteSnapshot.h"
 
+#include "platform/Clock.h"
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
 
@@ -55,6 +56,13 @@ qint32 toLong(const QVariant &v)
     return static_cast<qint32>(r);
 }
 
+// The engine's description, and for a busy or damaged file what the shop should do about it.
+QString described(const QSqlError &e)
+{
+    const QString meaning = Database::explain(e.nativeErrorCode().toInt(), QString());
+    return meaning.isEmpty() ? e.text() : e.text() + QLatin1Char('\n') + meaning;
+}
+
 // Runs an engine statement and keeps all its rows; nullptr with the engine's text in *error.
 RecordsetPtr snapshot(const QString &engineSql, QString *error)
 {
@@ -65,7 +73,7 @@ RecordsetPtr snapshot(const QString &engineSql, QString *error)
     QSqlQuery q(Database::connection());
     q.setForwardOnly(true);
     if (!q.exec(engineSql)) {
-        *error = q.lastError().text();
+        *error = described(q.lastError());
         return nullptr;
     }
     QStringList fields;
@@ -137,10 +145,14 @@ bool Gateway::prepareStatement(const QString &sql, QString *engineSql, QString *
 }
 
 namespace {
-bool runOnConnection(const char *statement)
+bool runOnConnection(const char *statement, QSqlError *failure = nullptr)
 {
     QSqlQuery q(Database::connection());
-    return q.exec(QLatin1String(statement));
+    if (q.exec(QLatin1String(statement)))
+        return true;
+    if (failure)
+        *failure = q.lastError();
+    return false;
 }
 }
 
@@ -150,7 +162,10 @@ bool Connection::BeginTrans()
 {
     if (m_inTransaction)
         return false; // the engine has no nested transactions
-    m_inTransaction = runOnConnection("BEGIN IMMEDIATE");
+    QSqlError failure;
+    m_inTransaction = runOnConnection("BEGIN IMMEDIATE", &failure);
+    if (!m_inTransaction)
+        Msg::error(UpdateFailed + described(failure), ErrorTitle);
     return m_inTransaction;
 }
 
@@ -162,8 +177,11 @@ bool Connection::CommitTrans()
     m_inTransaction = false;
     if (!open)
         return false;
-    if (runOnConnection("COMMIT"))
+    QSqlError failure;
+    if (runOnConnection("COMMIT", &failure))
         return true;
+    // A full disk or a lost file says so before the caller's own "not saved".
+    Msg::error(UpdateFailed + described(failure), ErrorTitle);
     runOnConnection("ROLLBACK"); // a refused commit may leave the transaction open
     return false;
 }
@@ -200,6 +218,25 @@ void OpenDatabase()
     QString error;
     if (!Database::open(Database::defaultPath(), &error))
         throw VbError(-2147467259, error);
+    // The first start of a day keeps a copy of the shop; a copy that cannot be made (a full
+    // disk) does not keep the shop from working today.
+    Database::backupDaily(Clock::today());
+}
+
+namespace {
+// A whole table set to one value ("update Store set FinishFlag='1'" at every closing) leaves
+// the rows that already hold it alone, so a closing rewrites a day's vouchers rather than
+// ten years of them. What is stored afterwards is the same.
+QString sparingUnchanged(const QString &engineSql)
+{
+    static const QRegularExpression wholeTable(
+        QStringLiteral(R"(^\s*update\s+[A-Za-z_]\w*\s+set\s+([A-Za-z_]\w*)\s*=\s*('[^']*'|-?\d+(\.\d+)?)\s*$)"),
+        QRegularExpression::CaseInsensitiveOption);
+    const auto m = wholeTable.match(engineSql);
+    if (!m.hasMatch())
+        return engineSql;
+    return engineSql.trimmed() + QStringLiteral(" WHERE ") + m.captured(1) + QStringLiteral(" IS NOT ") + m.captured(2);
+}
 }
 
 bool ExecuteSql(const QString &sql)
@@ -207,9 +244,9 @@ bool ExecuteSql(const QString &sql)
     QString engineSql, error;
     if (Gateway::prepareStatement(sql, &engineSql, &error)) {
         QSqlQuery q(Database::connection());
-        if (q.exec(engineSql))
+        if (q.exec(sparingUnchanged(engineSql)))
             return true;
-        error = q.lastError().text();
+        error = described(q.lastError());
     }
     Msg::error(UpdateFailed + error, ErrorTitle);
     return false;

@@ -286,7 +286,7 @@ bool frmCustomer::saveNew()
     sql += QStringLiteral(",") + Sql::number(cmbStation->BoundText()) + QStringLiteral(")");
 
     Transaction tx(Conn);
-    if (!ExecuteSql(sql))
+    if (!tx.begun() || !ExecuteSql(sql))
         return false;
     ExecuteSql(QStringLiteral("update Customer set Account=ID where Account=0"));
     if (!tx.commit()) {

@@ -896,6 +896,8 @@ bool frmSale::saveNew()
     const QString findCustomer = QStringLiteral("select * from Customer WHERE Address='") + Sql::text(address)
                                  + QStringLiteral("'");
     Transaction tx(Conn);
+    if (!tx.begun())
+        return false; // another workstation kept the file: nothing may be written outside it
     // A disabled customer at this address is taken as he is.
     RecordsetPtr rs = OpenRecordset(findCustomer);
     if (!rs) {
@@ -974,7 +976,7 @@ bool frmSale::saveEdit()
         + QStringLiteral("TransferFee=") + Sql::number(txtTransferFee->text())
         + QStringLiteral(" where ID=") + QString::number(mCurID);
     Transaction tx(Conn);
-    if (!ExecuteSql(sql)) {
+    if (!tx.begun() || !ExecuteSql(sql)) {
         Conn.RollbackTrans();
         return false;
     }

@@ -180,6 +180,8 @@ void TicketOperations::DeleteData()
 void TicketOperations::DeleteAll()
 {
     Transaction tx(Conn);
+    if (!tx.begun())
+        return; // the file is another workstation's for now; the message said so
     if (Msg::ask(QStringLiteral("你确认要删除所有未入帐单据吗？？"), DeleteTitle)) {
         RecordsetPtr count = OpenRecordset(QStringLiteral("SELECT count(*) as TotalRow from Sale where FinishFlag='0'"));
         if (!count) {

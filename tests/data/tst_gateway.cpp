@@ -71,6 +71,32 @@ private slots:
         QVERIFY(!Database::open(dir.filePath("no/such/folder/Tarvik.mdb"), &error));
     }
 
+    // The closing's mark on every voucher ends with all of them marked, whichever way a row
+    // held the flag before; a statement with its own condition keeps it.
+    void wholeTableUpdateEndsTheSame_data()
+    {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("flags");
+        QTest::newRow("every row") << "update Store set FinishFlag='1'" << "1 1 1 1";
+        QTest::newRow("spaced, any case") << "  UPDATE Store SET FinishFlag = '1' " << "1 1 1 1";
+        QTest::newRow("number") << "update Store set Direction=0" << "0 0 0 0";
+        QTest::newRow("own condition") << "update Store set FinishFlag='1' where ID=2" << "0 1 1 1";
+    }
+    void wholeTableUpdateEndsTheSame()
+    {
+        QFETCH(QString, sql);
+        QFETCH(QString, flags);
+        QVERIFY(db->exec("INSERT INTO Store(ID,FinishFlag,Direction) VALUES (1,'0','0'),(2,NULL,'0'),(3,'1','1'),(4,'1',NULL)"));
+        QVERIFY(ExecuteSql(sql));
+        QSqlQuery q(Database::connection());
+        QVERIFY(q.exec(sql.contains("Direction") ? "SELECT ifnull(Direction,'-') FROM Store ORDER BY ID"
+                                                 : "SELECT ifnull(FinishFlag,'-') FROM Store ORDER BY ID"));
+        QStringList seen;
+        while (q.next())
+            seen << q.value(0).toString();
+        QCOMPARE(seen.join(' '), flags);
+    }
+
     void failureMessages_data()
     {
         QTest::addColumn<bool>("read");
@@ -302,6 +328,10 @@ private slots:
             if (ending == "refused")
                 QVERIFY(ExecuteSql("insert into Child(ParentID) values(99)"));
             QVERIFY(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(2,#2026-11-23#,'0')"));
+            // A refused commit says why before the save reports itself not done.
+            if (ending == "refused")
+                prompts->expect(QStringLiteral("更新数据库时出现系统错误，错误信息：FOREIGN KEY constraint failed"),
+                                QMessageBox::Ok, true);
             if (ending != "none")
                 result = tx.commit();
         }

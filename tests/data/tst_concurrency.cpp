@@ -1,0 +1,90 @@
+// Two workstations on one file: their saves wait for each other and all arrive once; a save
+// that cannot get the file in time says that another workstation is writing.
+#include "support/TestDb.h"
+#include "support/ScriptedPrompter.h"
+
+#include "data/Database.h"
+#include "data/Gateway.h"
+
+#include <QProcess>
+#include <QSqlQuery>
+#include <QSet>
+#include <QtTest>
+#include <sqlite3.h>
+
+class ConcurrencyTest : public QObject {
+    Q_OBJECT
+private slots:
+    void twoWorkstationsSaveAtOnce()
+    {
+        TestDb db;
+        QVERIFY(db.ok());
+        const QString file = db.path();
+        Database::close();
+        const int each = 150;
+        QProcess a, b;
+        for (auto [p, tag] : {std::pair{&a, "A"}, std::pair{&b, "B"}})
+            p->start(QStringLiteral(TICKET_SAVER), {file, QString::number(each), QLatin1String(tag)});
+        for (QProcess *p : {&a, &b}) {
+            QVERIFY(p->waitForFinished(120000));
+            QVERIFY2(p->exitCode() == 0, p->readAllStandardError().constData());
+        }
+        QSet<QString> reported;
+        for (QProcess *p : {&a, &b})
+            for (const QByteArray &line : p->readAllStandardOutput().split('\n'))
+                if (line.startsWith("saved "))
+                    reported << QString::fromUtf8(line.mid(6));
+        QCOMPARE(reported.size(), 2 * each); // distinct numbers: no ticket read back another's number
+
+        QString error;
+        QVERIFY2(Database::open(file, &error), qPrintable(error));
+        QSqlQuery q(Database::connection());
+        QVERIFY(q.exec("SELECT ID, Detail FROM Sale"));
+        QSet<QString> stored;
+        while (q.next())
+            stored << q.value(0).toString() + QLatin1Char(' ') + q.value(1).toString();
+        QCOMPARE(stored, reported);
+        QCOMPARE(db.count("Sale_detail"), 4 * each);
+        QCOMPARE(db.count("Sale", "(SELECT count(*) FROM Sale_detail WHERE SaleID=Sale.ID) <> 2"), 0);
+    }
+
+    // Another workstation holds the write lock longer than the wait: the statement fails
+    // with the reason, for a plain statement and for a save's transaction alike.
+    void anotherWorkstationWriting_data()
+    {
+        QTest::addColumn<bool>("transaction");
+        QTest::newRow("statement") << false;
+        QTest::newRow("save's transaction") << true;
+    }
+    void anotherWorkstationWriting()
+    {
+        QFETCH(bool, transaction);
+        Database::setBusyTimeout(200);
+        TestDb db;
+        QVERIFY(db.ok());
+        sqlite3 *other = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(db.path()).constData(), &other), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+        ScriptedPrompter prompts;
+        prompts.expect(QStringLiteral("更新数据库时出现系统错误，错误信息："), QMessageBox::Ok, true);
+        if (transaction) {
+            Transaction tx(Conn);
+            QVERIFY(!tx.begun());
+            QVERIFY(!Conn.inTransaction());
+        } else {
+            QVERIFY(!ExecuteSql("insert into Call(PhoneNumber,CreateDate) values('5551234',#2026-11-23#)"));
+        }
+        QVERIFY2(prompts.done(), qPrintable(prompts.problems().join('\n')));
+        QCOMPARE(prompts.last().title, QStringLiteral("系统错误"));
+        QVERIFY(prompts.last().text.contains(QStringLiteral("另一个工作站正在写入数据库 ")
+                                             + QDir::toNativeSeparators(QFileInfo(db.path()).absoluteFilePath())));
+        sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_close(other);
+        // Once the other workstation is done, the same statement goes through.
+        QVERIFY(ExecuteSql("insert into Call(PhoneNumber,CreateDate) values('5551234',#2026-11-23#)"));
+        Database::setBusyTimeout(10000);
+    }
+};
+
+QTEST_MAIN(ConcurrencyTest)
+#include "tst_concurrency.moc"
