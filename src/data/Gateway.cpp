@@ -12,6 +12,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <algorithm>
 #include <cmath>
 
 Connection Conn;
@@ -84,37 +85,48 @@ RecordsetPtr snapshot(const QString &engineSql, QString *error)
 
 bool Gateway::prepareStatement(const QString &sql, QString *engineSql, QString *error)
 {
+    const QString broken = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
+    const auto isMark = [](QChar c) { return c >= Sql::TextOpen && c <= Sql::DateClose; };
     QString plain;
     plain.reserve(sql.size());
     for (qsizetype i = 0; i < sql.size(); ++i) {
         const QChar c = sql.at(i);
-        if (c != Sql::TextOpen && c != Sql::NumberOpen) {
-            if (c == Sql::TextClose || c == Sql::NumberClose) {
-                *error = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
-                return false;
-            }
+        if (!isMark(c)) {
             plain.append(c);
             continue;
         }
-        const QChar close = c == Sql::TextOpen ? Sql::TextClose : Sql::NumberClose;
+        // Opening marks are the even ones; a stray closing mark means a value was cut.
+        if ((c.unicode() - Sql::TextOpen.unicode()) % 2 != 0) {
+            *error = broken;
+            return false;
+        }
+        const QChar close(c.unicode() + 1);
         const qsizetype end = sql.indexOf(close, i + 1);
         if (end < 0) {
-            *error = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
+            *error = broken;
             return false;
         }
         const QString value = sql.mid(i + 1, end - i - 1);
-        for (const QChar m : {Sql::TextOpen, Sql::TextClose, Sql::NumberOpen, Sql::NumberClose}) {
-            if (value.contains(m)) {
-                *error = QStringLiteral("查询表达式中的语法错误 (操作符丢失)。");
+        if (std::any_of(value.cbegin(), value.cend(), isMark)) {
+            *error = broken;
+            return false;
+        }
+        if (c == Sql::TextOpen && value.contains(QLatin1Char('\''))) {
+            *error = QStringLiteral("输入的文字 '%1' 中含有单引号 (')，单引号不能存入数据库。").arg(value);
+            return false;
+        }
+        if (c == Sql::NumberOpen) {
+            if (!isPlainNumber(value)) {
+                *error = QStringLiteral("输入的 '%1' 不是一个数字。").arg(value);
+                return false;
+            }
+            if (!std::isfinite(value.trimmed().toDouble())) {
+                *error = QStringLiteral("输入的数字 '%1' 太大，超出了数据库能存的范围。").arg(value);
                 return false;
             }
         }
-        if (c == Sql::TextOpen && value.contains(QLatin1Char('\''))) {
-            *error = QStringLiteral("字符串的语法错误 在查询表达式 '%1' 中。").arg(value);
-            return false;
-        }
-        if (c == Sql::NumberOpen && !isPlainNumber(value)) {
-            *error = QStringLiteral("查询表达式 '%1' 中的语法错误 (操作符丢失)。").arg(value);
+        if (c == Sql::DateOpen && !JetDialect::isDate(value)) {
+            *error = QStringLiteral("输入的 '%1' 不是一个有效的日期 (应如 2026-1-31 或 1/31/2026)。").arg(value);
             return false;
         }
         plain.append(value);
@@ -124,22 +136,63 @@ bool Gateway::prepareStatement(const QString &sql, QString *engineSql, QString *
     return true;
 }
 
+namespace {
+bool runOnConnection(const char *statement)
+{
+    QSqlQuery q(Database::connection());
+    return q.exec(QLatin1String(statement));
+}
+}
+
+// IMMEDIATE takes the write lock at once, so a second workstation saving at the same moment
+// waits out the busy timeout here instead of failing half way through its save.
 bool Connection::BeginTrans()
 {
-    m_inTransaction = Database::connection().transaction();
+    if (m_inTransaction)
+        return false; // the engine has no nested transactions
+    m_inTransaction = runOnConnection("BEGIN IMMEDIATE");
     return m_inTransaction;
 }
 
+// False when there was nothing to commit (an earlier rollback ended it) or the engine refused
+// (a full disk): either way what the caller wrote is not all stored.
 bool Connection::CommitTrans()
 {
+    const bool open = m_inTransaction;
     m_inTransaction = false;
-    return Database::connection().commit();
+    if (!open)
+        return false;
+    if (runOnConnection("COMMIT"))
+        return true;
+    runOnConnection("ROLLBACK"); // a refused commit may leave the transaction open
+    return false;
 }
 
 bool Connection::RollbackTrans()
 {
+    const bool open = m_inTransaction;
     m_inTransaction = false;
-    return Database::connection().rollback();
+    return open && runOnConnection("ROLLBACK");
+}
+
+Transaction::Transaction(Connection &conn) : m_conn(conn), m_begun(conn.BeginTrans()) {}
+
+Transaction::~Transaction()
+{
+    if (m_begun && !m_ended && m_conn.inTransaction())
+        m_conn.RollbackTrans();
+}
+
+bool Transaction::commit()
+{
+    m_ended = true;
+    return m_conn.CommitTrans();
+}
+
+bool Transaction::rollback()
+{
+    m_ended = true;
+    return m_conn.RollbackTrans();
 }
 
 void OpenDatabase()

@@ -4,7 +4,8 @@
 #include <QString>
 #include <functional>
 
-// The session's one connection. Transactions wrap the few multi-statement saves.
+// The session's one connection. Transactions wrap the few multi-statement saves; begin one
+// through Transaction below so that an early return can never leave it open.
 class Connection {
 public:
     bool BeginTrans();
@@ -16,6 +17,25 @@ private:
     bool m_inTransaction = false;
 };
 extern Connection Conn;
+
+// One transaction on a connection: begun when made, rolled back when it goes out of scope
+// neither committed nor rolled back. commit() is false when the transaction had already
+// ended or the engine refused it: the save did not happen.
+class Transaction {
+public:
+    explicit Transaction(Connection &conn);
+    ~Transaction();
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+    bool begun() const { return m_begun; }
+    bool commit();
+    bool rollback();
+
+private:
+    Connection &m_conn;
+    bool m_begun;
+    bool m_ended = false;
+};
 
 // Every window reaches the database through these routines. Statements are written in the
 // classic dialect; typed values are wrapped with Sql::text / Sql::number (SqlText.h).

@@ -516,3 +516,9 @@ QString JetDialect::translate(const QString &statement, Target target)
 {
     return Translator(statement, target).run();
 }
+
+bool JetDialect::isDate(QStringView text)
+{
+    bool withTime = false;
+    return readDate(text, &withTime).isValid();
+}

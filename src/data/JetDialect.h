@@ -8,4 +8,6 @@
 namespace JetDialect {
 enum class Target { SQLite, PostgreSQL };
 QString translate(const QString &statement, Target target);
+// True when the text between two # marks is a date (with an optional time) this dialect reads.
+bool isDate(QStringView text);
 }

@@ -1,5 +1,7 @@
 #include "Recordset.h"
 
+#include "platform/VbError.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -106,7 +108,20 @@ std::shared_ptr<Recordset> Recordset::clone() const
 void Recordset::setFilter(const QString &filter)
 {
     m_filter = filter.trimmed();
+    if (!m_filter.isEmpty() && !filterNamesField()) {
+        // Filtering on what the set does not hold is refused, not answered with no rows: a
+        // caller that passes the failure over goes on with every row.
+        m_filter.clear();
+        rebuildView();
+        throw VbError(3001, QStringLiteral("参数类型不正确，或不在可以接受的范围之内，或与其他参数冲突。"));
+    }
     rebuildView();
+}
+
+bool Recordset::filterNamesField() const
+{
+    const int eq = m_filter.indexOf(QLatin1Char('='));
+    return eq > 0 && fieldIndex(m_filter.left(eq).trimmed()) >= 0;
 }
 
 QString Recordset::filter() const { return m_filter; }

@@ -36,6 +36,8 @@ public:
     std::shared_ptr<Recordset> clone() const;
 
     // "ID=12" keeps the rows whose ID is 12 (any "Field=value"); empty text shows all rows.
+    // A filter that names a field the set does not have, or is no "Field=value", throws
+    // VbError (3001) and leaves the set unfiltered, all rows visible from the first.
     void setFilter(const QString &filter);
     QString filter() const;
 
@@ -68,6 +70,7 @@ private:
     };
     Recordset(std::shared_ptr<Data> data);
     void rebuildView();
+    bool filterNamesField() const;
     int currentRow() const; // index into data rows, -1 when none
 
     std::shared_ptr<Data> m_data;

@@ -7,6 +7,7 @@
 
 #include "data/ValidateField.h"
 #include "platform/Forms.h"
+#include "platform/VbRules.h"
 
 #include <QEvent>
 #include <QLineEdit>
@@ -25,7 +26,7 @@ bool PriceField::accepted(QLineEdit *field)
         field->setText("0");
         return true;
     }
-    return ValidateField(field->text().trimmed(), 1);
+    return ValidateField(Trim(field->text()), 1);
 }
 
 PriceField::PriceField(QLineEdit *field) : QObject(field), m_field(field)

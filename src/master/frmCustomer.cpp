@@ -170,7 +170,7 @@ bool frmCustomer::Form_Load()
     txtCreateDate->setText(rs->text(QStringLiteral("CreateDate")));
     cmbCustType->setCurrentIndex(rs->field(QStringLiteral("CustType")).toInt());
     cmbStation->setBoundText(rs->text(QStringLiteral("StationID")));
-    chkDisable->setChecked(rs->text(QStringLiteral("Status")).trimmed() == QLatin1String("0"));
+    chkDisable->setChecked(Trim(rs->text(QStringLiteral("Status"))) == QLatin1String("0"));
     btnSave->setEnabled(true);
     return true;
 }
@@ -206,7 +206,7 @@ int frmCustomer::openForTicket(const QString &phone, const QString &address)
 void frmCustomer::updateSaveButton()
 {
     btnSave->setEnabled(!txtAddress->text().isEmpty()
-                        && (chkAutoID->isChecked() || !txtAccount->text().trimmed().isEmpty()));
+                        && (chkAutoID->isChecked() || !Trim(txtAccount->text()).isEmpty()));
 }
 
 void frmCustomer::chkAutoID_Click()
@@ -275,25 +275,28 @@ bool frmCustomer::saveNew()
     if (chkAutoID->isChecked())
         sql += QStringLiteral(" values (0,'");
     else
-        sql += QStringLiteral(" values (") + Sql::number(txtAccount->text().trimmed()) + QStringLiteral(",'");
+        sql += QStringLiteral(" values (") + Sql::number(Trim(txtAccount->text())) + QStringLiteral(",'");
     sql += Sql::text(txtPhone->text()) + QStringLiteral("','") + Sql::text(txtAddress->text()) + QStringLiteral("','")
-           + Sql::text(txtName->text().trimmed()) + QStringLiteral("','") + Sql::text(txtDetail->text())
-           + QStringLiteral("',#") + Sql::text(txtCreateDate->text()) + QStringLiteral("#,")
+           + Sql::text(Trim(txtName->text())) + QStringLiteral("','") + Sql::text(txtDetail->text())
+           + QStringLiteral("',#") + Sql::date(txtCreateDate->text()) + QStringLiteral("#,")
            + QString::number(cmbCustType->currentIndex()) + QStringLiteral(",");
     // The suspended flag brings its own comma: a card ticked as suspended cannot be saved
     // new, so a customer is only ever suspended after he exists.
     sql += chkDisable->isChecked() ? QStringLiteral("'0',") : QStringLiteral("'1'");
     sql += QStringLiteral(",") + Sql::number(cmbStation->BoundText()) + QStringLiteral(")");
 
-    Conn.BeginTrans();
-    if (!ExecuteSql(sql)) {
-        Conn.RollbackTrans();
+    Transaction tx(Conn);
+    if (!ExecuteSql(sql))
+        return false;
+    ExecuteSql(QStringLiteral("update Customer set Account=ID where Account=0"));
+    if (!tx.commit()) {
+        // The card keeps what was typed so that the operator can simply save again.
+        Msg::error(QStringLiteral("客户资料没有保存：数据库没有接受这位客户，请检查输入后重新保存。"),
+                   QStringLiteral("系统错误"));
         return false;
     }
-    ExecuteSql(QStringLiteral("update Customer set Account=ID where Account=0"));
-    Conn.CommitTrans();
     RecordsetPtr rs = OpenRecordset(QStringLiteral("select * from Customer where Address='")
-                                    + Sql::text(txtAddress->text().trimmed()) + QStringLiteral("'"));
+                                    + Sql::text(Trim(txtAddress->text())) + QStringLiteral("'"));
     if (rs && rs->recordCount() > 0) {
         rs->moveFirst();
         Session::SelectedCustomerID = rs->field(QStringLiteral("ID")).toInt();
@@ -315,7 +318,7 @@ bool frmCustomer::saveEdit()
     const QString sql = QStringLiteral("update Customer set ") + QStringLiteral("Address='")
                         + Sql::text(txtAddress->text()) + QStringLiteral("', ") + QStringLiteral("Phone='")
                         + Sql::text(txtPhone->text()) + QStringLiteral("', ") + QStringLiteral("Name='")
-                        + Sql::text(txtName->text().trimmed()) + QStringLiteral("', ") + QStringLiteral("detail='")
+                        + Sql::text(Trim(txtName->text())) + QStringLiteral("', ") + QStringLiteral("detail='")
                         + Sql::text(txtDetail->text()) + QStringLiteral("', ") + QStringLiteral("CustType=")
                         + QString::number(cmbCustType->currentIndex()) + QStringLiteral(", ")
                         + QStringLiteral("StationID=") + Sql::number(cmbStation->BoundText()) + QStringLiteral(", ")

@@ -73,7 +73,7 @@ void frmProduct::Form_Load()
     txtUnit->setText(rs->text("Unit"));
     txtDetail->setText(rs->text("Detail"));
     txtPrice->setText(rs->text("Price"));
-    chkDisable->setChecked(rs->text("Status").trimmed() == "0");
+    chkDisable->setChecked(Trim(rs->text("Status")) == "0");
     if (rs->text("IsContainer") == "1") {
         chkIsContainer->setChecked(true);
         chkIsContainer_Click();
@@ -87,7 +87,7 @@ void frmProduct::Form_Load()
 
 void frmProduct::RefreshControl()
 {
-    btnSave->setEnabled(!txtName->text().trimmed().isEmpty() && !txtUnit->text().trimmed().isEmpty());
+    btnSave->setEnabled(!Trim(txtName->text()).isEmpty() && !Trim(txtUnit->text()).isEmpty());
 }
 
 void frmProduct::chkIsContainer_Click()
@@ -107,9 +107,9 @@ void frmProduct::btnSave_Click()
 {
     if (txtName->text().isEmpty() || !PriceField::accepted(txtPrice))
         return;
-    const QString price = Sql::number(txtPrice->text().trimmed());
+    const QString price = Sql::number(Trim(txtPrice->text()));
     if (mActionType == 2) {
-        QString sql = "update Product set " + QString("name='") + Sql::text(txtName->text().trimmed())
+        QString sql = "update Product set " + QString("name='") + Sql::text(Trim(txtName->text()))
                       + "', " + "unit='" + Sql::text(txtUnit->text()) + "', " + "detail='"
                       + Sql::text(txtDetail->text()) + "', " + "price=" + price + ", "
                       + (chkIsDefault->isChecked() ? "IsDefault='1'," : "IsDefault='0',")
@@ -128,10 +128,10 @@ void frmProduct::btnSave_Click()
     } else if (mActionType == 1) {
         const QString sql =
             QString("insert into Product (name,unit,detail,IsDefault,status,IsContainer,ContainerID,price)")
-            + " values ('" + Sql::text(txtName->text().trimmed()) + "','" + Sql::text(txtUnit->text())
+            + " values ('" + Sql::text(Trim(txtName->text())) + "','" + Sql::text(txtUnit->text())
             + "','" + Sql::text(txtDetail->text()) + "','" + (chkIsDefault->isChecked() ? "1','" : "0','")
             + (chkDisable->isChecked() ? "0','" : "1','") + (chkIsContainer->isChecked() ? "1'," : "0',")
-            + QString::number(qint64(Val(cmbContainer->BoundText().trimmed()))) + "," + price + ")";
+            + QString::number(qint64(Val(Trim(cmbContainer->BoundText())))) + "," + price + ")";
         if (ExecuteSql(sql))
             ResetInput();
     }

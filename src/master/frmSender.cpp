@@ -6,6 +6,7 @@
 #include "data/Gateway.h"
 #include "data/SqlText.h"
 #include "platform/Forms.h"
+#include "platform/VbRules.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -46,7 +47,7 @@ frmSender::frmSender()
     layOut(form, 340);
 
     connect(txtName, &QLineEdit::textChanged, this,
-            [this](const QString &text) { btnSave->setEnabled(!text.trimmed().isEmpty()); });
+            [this](const QString &text) { btnSave->setEnabled(!Trim(text).isEmpty()); });
     connect(btnSave, &QPushButton::clicked, this, &frmSender::btnSave_Click);
 }
 
@@ -73,7 +74,7 @@ void frmSender::Form_Load()
     txtDetail->setText(rs->text("Detail"));
     txtPrice->setText(rs->text("Price"));
     cmbStation->setBoundText(rs->text("StationID"));
-    chkDisable->setChecked(rs->text("Status").trimmed() == "0");
+    chkDisable->setChecked(Trim(rs->text("Status")) == "0");
     btnSave->setEnabled(true);
 }
 
@@ -83,19 +84,19 @@ void frmSender::btnSave_Click()
         return;
     const QString status = chkDisable->isChecked() ? "0" : "1";
     if (mActionType == 2) {
-        const QString sql = "update Sender set " + QString("name='") + Sql::text(txtName->text().trimmed())
+        const QString sql = "update Sender set " + QString("name='") + Sql::text(Trim(txtName->text()))
                             + "', " + "phone='" + Sql::text(txtPhone->text()) + "', " + "detail='"
                             + Sql::text(txtDetail->text()) + "', " + "price="
-                            + Sql::number(txtPrice->text().trimmed()) + ", " + "StationID="
+                            + Sql::number(Trim(txtPrice->text())) + ", " + "StationID="
                             + cmbStation->BoundText() + ", " + "Status='" + status + "'"
                             + " where ID=" + QString::number(mCurID);
         if (ExecuteSql(sql))
             Forms::unload(this);
     } else if (mActionType == 1) {
         const QString sql = QString("insert into Sender (name,phone,detail,status,price,StationID)")
-                            + " values ('" + Sql::text(txtName->text().trimmed()) + "','"
+                            + " values ('" + Sql::text(Trim(txtName->text())) + "','"
                             + Sql::text(txtPhone->text()) + "','" + Sql::text(txtDetail->text()) + "','"
-                            + status + "'," + Sql::number(txtPrice->text().trimmed()) + ","
+                            + status + "'," + Sql::number(Trim(txtPrice->text())) + ","
                             + cmbStation->BoundText() + ")";
         if (ExecuteSql(sql))
             ResetInput();

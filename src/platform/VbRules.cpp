@@ -538,6 +538,24 @@ bool readMoment(const QString &text, QDate *date, QTime *time)
 
 } // namespace
 
+QString LTrim(const QString &text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && text.at(i) == u' ')
+        ++i;
+    return text.mid(i);
+}
+
+QString RTrim(const QString &text)
+{
+    qsizetype n = text.size();
+    while (n > 0 && text.at(n - 1) == u' ')
+        --n;
+    return text.left(n);
+}
+
+QString Trim(const QString &text) { return LTrim(RTrim(text)); }
+
 double Val(const QString &text)
 {
     QString compact;

@@ -19,6 +19,12 @@
 // wild entry never turns into infinity; CInt/CLng of it still overflow.
 double Val(const QString &text);
 
+// Blanks (U+0020) cut from both ends, the start or the end; tabs, line feeds, the ideographic
+// space and the no-break space stay, as the classic routines leave them.
+QString Trim(const QString &text);
+QString LTrim(const QString &text);
+QString RTrim(const QString &text);
+
 // The strict conversions. Text may carry blanks around it, a sign, thousands separators, a
 // leading "￥" and an exponent ("-￥1,234.50" reads back what Format wrote); nothing else.
 // Bools give -1 and 0; an invalid (empty) QVariant gives 0.

@@ -512,7 +512,7 @@ qint32 frmSale::GetNewSaleID()
 void frmSale::UpdateSaveButtons()
 {
     const bool ready = Val(txtTotalAmount->text()) != 0 && Val(txtTotalMoney->text()) != 0
-                       && !txtCustAddress->text().trimmed().isEmpty();
+                       && !Trim(txtCustAddress->text()).isEmpty();
     btnSave->setEnabled(ready);
     btnSavePrint->setEnabled(ready);
 }
@@ -615,7 +615,7 @@ void frmSale::txtCustAddress_Change()
 {
     if (InputReady == 1 && GetSysValue(QStringLiteral("SearchAddress")) == QLatin1String("1")) {
         RecordsetPtr rs = OpenRecordset(QStringLiteral("Select * from Customer where Status='1' AND  Address Like '%")
-                                        + Sql::text(txtCustAddress->text().trimmed()) + QStringLiteral("%'"));
+                                        + Sql::text(Trim(txtCustAddress->text())) + QStringLiteral("%'"));
         m_addresses->setRecordset(rs);
         if (!rs || rs->recordCount() < 1) {
             dtlCustomer->hide();
@@ -661,7 +661,7 @@ bool frmSale::GetCustomerInfo(int mGetType)
     switch (mGetType) {
     case 0:
         rs = OpenRecordset(QStringLiteral("Select * from Customer where Status='1' AND Account=")
-                           + Sql::number(txtCustAccount->text().trimmed()));
+                           + Sql::number(Trim(txtCustAccount->text())));
         if (!rs)
             break;
         if (rs->recordCount() < 1) {
@@ -679,7 +679,7 @@ bool frmSale::GetCustomerInfo(int mGetType)
         break;
     case 1: {
         const QString sql = QStringLiteral("Select * from Customer where Status='1' AND Phone='")
-                            + Sql::text(txtCustPhone->text().trimmed()) + QStringLiteral("'");
+                            + Sql::text(Trim(txtCustPhone->text())) + QStringLiteral("'");
         rs = OpenRecordset(sql);
         if (!rs)
             break;
@@ -715,7 +715,7 @@ bool frmSale::GetCustomerInfo(int mGetType)
     }
     case 2:
         rs = OpenRecordset(QStringLiteral("Select * from Customer where Status='1' AND Address='")
-                           + Sql::text(txtCustAddress->text().trimmed()) + QStringLiteral("'"));
+                           + Sql::text(Trim(txtCustAddress->text())) + QStringLiteral("'"));
         if (!rs)
             break;
         if (rs->recordCount() < 1) {
@@ -817,7 +817,7 @@ bool frmSale::validateActualFigure(QLineEdit *field, QLineEdit *total, const QSt
         field->setText(QStringLiteral("0"));
         return true;
     }
-    if (!ValidateField(field->text().trimmed(), 1))
+    if (!ValidateField(Trim(field->text()), 1))
         return false;
     if (Val(field->text()) > Val(total->text())) {
         Msg::error(message, ErrorTitle);
@@ -832,7 +832,7 @@ bool frmSale::validateTransferFee()
         txtTransferFee->setText(QStringLiteral("0"));
         return true;
     }
-    return ValidateField(txtTransferFee->text().trimmed(), 1);
+    return ValidateField(Trim(txtTransferFee->text()), 1);
 }
 
 void frmSale::cmbSender_Change()
@@ -890,12 +890,12 @@ void frmSale::btnSavePrint_Click()
 
 bool frmSale::saveNew()
 {
-    const QString address = txtCustAddress->text().trimmed();
-    const QString phone = txtCustPhone->text().trimmed();
+    const QString address = Trim(txtCustAddress->text());
+    const QString phone = Trim(txtCustPhone->text());
     const QString station = cmbStation->BoundText();
     const QString findCustomer = QStringLiteral("select * from Customer WHERE Address='") + Sql::text(address)
                                  + QStringLiteral("'");
-    Conn.BeginTrans();
+    Transaction tx(Conn);
     // A disabled customer at this address is taken as he is.
     RecordsetPtr rs = OpenRecordset(findCustomer);
     if (!rs) {
@@ -941,7 +941,7 @@ bool frmSale::saveNew()
         + QStringLiteral(",") + Sql::number(txtOutAmount->text()) + QStringLiteral(",")
         + Sql::number(txtInContainer->text()) + QStringLiteral(",") + Sql::number(txtTransferFee->text())
         + QStringLiteral(",'") + Sql::text(txtDetail->toPlainText()) + QStringLiteral("',#")
-        + Sql::text(txtCreateDate->text()) + QStringLiteral("#,'0',") + Sql::number(station) + QStringLiteral(")");
+        + Sql::date(txtCreateDate->text()) + QStringLiteral("#,'0',") + Sql::number(station) + QStringLiteral(")");
     if (!ExecuteSql(header)) {
         Conn.RollbackTrans();
         return false;
@@ -955,8 +955,7 @@ bool frmSale::saveNew()
     mCurID = max->field(QStringLiteral("MaxID")).toInt();
     if (!writeLines())
         return false;
-    Conn.CommitTrans();
-    return true;
+    return committed(tx);
 }
 
 bool frmSale::saveEdit()
@@ -974,7 +973,7 @@ bool frmSale::saveEdit()
         + QStringLiteral("SenderID=") + NumText(Val(cmbSender->BoundText())) + QStringLiteral(", ")
         + QStringLiteral("TransferFee=") + Sql::number(txtTransferFee->text())
         + QStringLiteral(" where ID=") + QString::number(mCurID);
-    Conn.BeginTrans();
+    Transaction tx(Conn);
     if (!ExecuteSql(sql)) {
         Conn.RollbackTrans();
         return false;
@@ -982,8 +981,18 @@ bool frmSale::saveEdit()
     ExecuteSql(QStringLiteral("delete from Sale_detail where SaleID=") + QString::number(mCurID));
     if (!writeLines())
         return false;
-    Conn.CommitTrans();
-    return true;
+    return committed(tx);
+}
+
+// A failed empties line rolls the ticket back while the lines after it are still written, so
+// the commit finding nothing open means the ticket is not (all) there: the input stays.
+bool frmSale::committed(Transaction &tx)
+{
+    if (tx.commit())
+        return true;
+    Msg::error(QStringLiteral("单据没有保存：数据库没有接受这张单据，请检查输入后重新保存。"),
+               QStringLiteral("系统错误"));
+    return false;
 }
 
 bool frmSale::writeLines()
@@ -992,7 +1001,7 @@ bool frmSale::writeLines()
     for (int row = 0; row < m_lines->lineCount(); ++row) {
         if (!m_lines->isLine(row))
             continue;
-        const QString code = m_lines->text(row, LineTable::ProductID).trimmed();
+        const QString code = Trim(m_lines->text(row, LineTable::ProductID));
         const QVariant typedAmount = m_lines->value(row, LineTable::ProductAmount);
         // A new ticket carries its quantities as 16-bit numbers, an edited one as 32-bit.
         const QString amount = mActionType == 2 ? QString::number(CLng(typedAmount))

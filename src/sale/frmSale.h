@@ -11,6 +11,7 @@ class QPushButton;
 class QTabWidget;
 class QTableView;
 class DataCombo;
+class Transaction;
 class RecordsetModel;
 class LineGrid;
 
@@ -89,6 +90,7 @@ private:
     bool saveNew();
     bool saveEdit();
     bool writeLines();
+    bool committed(Transaction &tx);
 
     // Runs a handler and turns a run-time error of the classic rules into a message instead
     // of letting it end the program.

@@ -16,9 +16,9 @@ frmSaleFilter::frmSaleFilter() : FilterDialog(QStringLiteral("frmSaleFilter"), Q
         return [left](const ConditionRow &r) { return QLatin1String(left) + r.opText() + Sql::number(r.text()); };
     };
     addCondition("chkAddress", QStringLiteral("客户地址包括字符串："), "txtAddress", Kind::Text, -1,
-                 [](const ConditionRow &r) { return " AND Address Like '%" + Sql::text(r.text().trimmed()) + "%' "; });
+                 [](const ConditionRow &r) { return " AND Address Like '%" + Sql::text(Trim(r.text())) + "%' "; });
     addCondition("chkAccount", QStringLiteral("客户帐号："), "txtAccount", Kind::Number, 0,
-                 [](const ConditionRow &r) { return " AND Account" + r.opText() + Sql::number(r.text().trimmed()); });
+                 [](const ConditionRow &r) { return " AND Account" + r.opText() + Sql::number(Trim(r.text())); });
     addCondition("chkUserID", QStringLiteral("操作员为："), "cmbUserID", Kind::List, -1,
                  [](const ConditionRow &r) { return " AND Sale.UserID=" + NumText(Val(r.boundText())); });
     addCondition("chkCreateDate", QStringLiteral("单据日期"), "txtCreateDate", Kind::Date, 1,

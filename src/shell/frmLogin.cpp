@@ -3,6 +3,7 @@
 #include "views/DataCombo.h"
 #include "data/Gateway.h"
 #include "platform/Prompter.h"
+#include "platform/VbRules.h"
 #include "Shell.h"
 
 #include <QGridLayout>
@@ -84,7 +85,7 @@ void frmLogin::cmdOK_Click()
         m_users->setFilter("ID=" + cmbUser->BoundText());
         stored = m_users->text("Pwd");
     }
-    if (stored.trimmed() == txtPassword->text().trimmed()) {
+    if (Trim(stored) == Trim(txtPassword->text())) {
         m_loginSucceeded = true;
         if (CheckOnlineUsers()) {
             hide();

@@ -154,17 +154,17 @@ void ResetSystem()
     if (!yes(QStringLiteral("请再次确认是否要重新启用系统！！！执行此操作后所有运行过程中产生的数据包括销售单、收款单、库存单、用户资料都将被删除！")))
         return;
     try {
-        if (!Conn.BeginTrans())
+        Transaction tx(Conn);
+        if (!tx.begun())
             throw VbError(3246, QStringLiteral("事务无法开始"));
         // Operators, settings, stations and the call log stay.
         for (const char *sql : {"Delete from Sender", "delete from Product", "delete from Customer",
                                 "delete from sale", "delete from sale_detail", "delete from store",
                                 "delete from store_detail"})
             ExecuteSql(QString::fromLatin1(sql));
-        if (!Conn.CommitTrans())
+        if (!tx.commit())
             throw VbError(3246, QStringLiteral("事务无法提交"));
     } catch (const VbError &) {
-        Conn.RollbackTrans();
         Msg::error(QStringLiteral("重新启用系统时出现错误，重启失败！"), QStringLiteral("失败"));
         return;
     }

@@ -4,6 +4,7 @@
 #include "data/Gateway.h"
 #include "data/SqlText.h"
 #include "platform/Forms.h"
+#include "platform/VbRules.h"
 #include "platform/Prompter.h"
 
 #include <QCheckBox>
@@ -48,7 +49,7 @@ frmUser::frmUser()
     layOut(form, 360);
 
     connect(txtName, &QLineEdit::textChanged, this,
-            [this](const QString &text) { btnSave->setEnabled(!text.trimmed().isEmpty()); });
+            [this](const QString &text) { btnSave->setEnabled(!Trim(text).isEmpty()); });
     connect(btnSave, &QPushButton::clicked, this, &frmUser::btnSave_Click);
 }
 
@@ -73,8 +74,8 @@ void frmUser::Form_Load()
         txtName->setText(rs->text("Name"));
         txtDetail->setText(rs->text("Detail"));
         cmbStation->setBoundText(rs->text("StationID"));
-        chkDisable->setChecked(rs->text("Status").trimmed() == "0");
-        SetRoleString(rs->text("rolestring").trimmed());
+        chkDisable->setChecked(Trim(rs->text("Status")) == "0");
+        SetRoleString(Trim(rs->text("rolestring")));
         btnSave->setEnabled(true);
         // The password is its owner's business; here it can be neither seen nor changed.
         txtPassword->setEnabled(false);
@@ -117,8 +118,8 @@ void frmUser::btnSave_Click()
     if (txtName->text().isEmpty())
         return;
     if (mActionType == 2) {
-        const QString sql = "update SysUser set " + QString("name='") + Sql::text(txtName->text().trimmed())
-                            + "', " + "detail='" + Sql::text(txtDetail->text().trimmed()) + "', "
+        const QString sql = "update SysUser set " + QString("name='") + Sql::text(Trim(txtName->text()))
+                            + "', " + "detail='" + Sql::text(Trim(txtDetail->text())) + "', "
                             + "rolestring='" + GetRoleString() + "', " + "StationID="
                             + cmbStation->BoundText() + ", "
                             + (chkDisable->isChecked() ? "Status='0'" : "Status='1'")
@@ -127,7 +128,7 @@ void frmUser::btnSave_Click()
             Forms::unload(this);
     } else if (mActionType == 1) {
         const QString sql = QString("insert into SysUser (name,pwd,rolestring,detail,status,StationID)")
-                            + " values ('" + Sql::text(txtName->text().trimmed()) + "','"
+                            + " values ('" + Sql::text(Trim(txtName->text())) + "','"
                             + Sql::text(txtPassword->text()) + "','" + GetRoleString() + "','"
                             + Sql::text(txtDetail->text())
                             + (chkDisable->isChecked() ? "','0'" : "','1'") + ","

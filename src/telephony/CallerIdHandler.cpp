@@ -36,7 +36,7 @@ void CallerIdHandler::Tapiline_InfoCallerID(const QString &number)
 {
     if (m_handlingOff)
         return;
-    if (number.trimmed().isEmpty())
+    if (Trim(number).isEmpty())
         return;
     // Only an empty or new ticket takes a call: not an edit, a view or a closed window.
     QWidget *sale = Forms::loaded(QStringLiteral("frmSale"));

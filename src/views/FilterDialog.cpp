@@ -4,6 +4,7 @@
 
 #include "data/PickDate.h"
 #include "data/Session.h"
+#include "data/SqlText.h"
 #include "data/ValidateField.h"
 #include "platform/Clock.h"
 #include "platform/Forms.h"
@@ -29,7 +30,7 @@ QString ConditionRow::text() const { return edit() ? edit()->text() : QString();
 QString ConditionRow::boundText() const { return list() ? list()->BoundText() : QString(); }
 
 // The one place a typed date is marked, so that the statement sees where it begins and ends.
-QString ConditionRow::typedDate(const QString &text) { return u'#' + text + u'#'; }
+QString ConditionRow::typedDate(const QString &text) { return u'#' + Sql::date(text) + u'#'; }
 
 void ConditionRow::refresh(const QColor &offBackground)
 {
@@ -57,7 +58,7 @@ bool ConditionRow::checkValue()
     QLineEdit *e = edit();
     if (!e || kind == Kind::Text)
         return true;
-    const QString typed = e->text().trimmed();
+    const QString typed = Trim(e->text());
     if (kind == Kind::Date) {
         if (typed.isEmpty() && emptyDateIsToday) {
             e->setText(DateText(Clock::today()));
@@ -261,7 +262,7 @@ void FilterDialog::btnOk_Click()
         } else if (fresh) {
             list->setProperty("curFilterSQL", sql.isEmpty() ? QString() : QStringLiteral(" WHERE ") + sql);
         } else if (!sql.isEmpty()) {
-            list->setProperty("curFilterSQL", present.trimmed().isEmpty() ? QStringLiteral(" WHERE ") + sql
+            list->setProperty("curFilterSQL", Trim(present).isEmpty() ? QStringLiteral(" WHERE ") + sql
                                                                            : present + QStringLiteral(" AND ") + sql);
         }
     }

@@ -83,13 +83,13 @@ void LineTable::appendLine(const QVector<QVariant> &values)
         setValue(row, ProductID, QVariant());
 }
 
-bool LineTable::isLine(int row) const { return !text(row, ProductID).trimmed().isEmpty(); }
+bool LineTable::isLine(int row) const { return !Trim(text(row, ProductID)).isEmpty(); }
 
 bool LineTable::BeforeColUpdate(int row, int column, const QString &text)
 {
     switch (column) {
     case ProductID:
-        if (text.trimmed().isEmpty()) {
+        if (Trim(text).isEmpty()) {
             // Clearing the code is the one way to take a line off.
             clearRow(row);
         } else if (!FillProductInfoByID(row, text)) {
@@ -123,7 +123,7 @@ void LineTable::AfterColUpdate(int row, int column)
 
 bool LineTable::FillProductInfoByID(int row, const QString &id)
 {
-    if (id.trimmed().isEmpty()) {
+    if (Trim(id).isEmpty()) {
         for (int c = ProductName; c <= ProductMoney; ++c)
             setValue(row, c, QVariant());
         return true;
@@ -157,7 +157,7 @@ bool LineTable::hasContainer(const QString &productCode)
 {
     RecordsetPtr rs = OpenRecordset(
         QStringLiteral("select * from Product where IsContainer='0' and ContainerID<>0 and ID=")
-        + Sql::number(productCode.trimmed()));
+        + Sql::number(Trim(productCode)));
     return rs && rs->recordCount() > 0;
 }
 
@@ -222,7 +222,7 @@ bool LineTable::setData(const QModelIndex &index, const QVariant &value, int rol
     const int row = index.row(), column = index.column();
     const QString typed = value.toString();
     // Nothing typed in a row without a line makes no line.
-    if (row >= m_rows.size() && typed.trimmed().isEmpty())
+    if (row >= m_rows.size() && Trim(typed).isEmpty())
         return false;
     // An unchanged price or quantity is no edit; a code committed again refills its line.
     if (column != ProductID && row < m_rows.size() && typed == text(row, column))
@@ -232,7 +232,7 @@ bool LineTable::setData(const QModelIndex &index, const QVariant &value, int rol
         return false;
     }
     // A blank code has emptied the whole row already.
-    if (!(column == ProductID && typed.trimmed().isEmpty()))
+    if (!(column == ProductID && Trim(typed).isEmpty()))
         setValue(row, column, typed);
     AfterColUpdate(row, column);
     return true;

@@ -179,7 +179,7 @@ void TicketOperations::DeleteData()
 // The transaction opens before the first question, so a No commits an empty one.
 void TicketOperations::DeleteAll()
 {
-    Conn.BeginTrans();
+    Transaction tx(Conn);
     if (Msg::ask(QStringLiteral("你确认要删除所有未入帐单据吗？？"), DeleteTitle)) {
         RecordsetPtr count = OpenRecordset(QStringLiteral("SELECT count(*) as TotalRow from Sale where FinishFlag='0'"));
         if (!count) {
@@ -209,6 +209,6 @@ void TicketOperations::DeleteAll()
             }
         }
     }
-    Conn.CommitTrans();
+    tx.commit();
     m_list->DataRefresh();
 }

@@ -1,5 +1,6 @@
 #include "data/Gateway.h"
 #include "data/Recordset.h"
+#include "platform/VbError.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TestDb.h"
 
@@ -66,20 +67,31 @@ private slots:
         QTest::addColumn<QString>("filter");
         QTest::addColumn<int>("count");
         QTest::addColumn<QString>("first");
-        QTest::newRow("by id") << "ID=3" << 1 << "P3";
-        QTest::newRow("no such id") << "ID=99" << 0 << "";
-        QTest::newRow("by text, case-blind") << "Name='p2'" << 1 << "P2";
-        QTest::newRow("unknown field") << "Nope=1" << 0 << "";
-        QTest::newRow("cleared") << "" << 5 << "P1";
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("by id") << "ID=3" << 1 << "P3" << false;
+        QTest::newRow("no such id") << "ID=99" << 0 << "" << false;
+        QTest::newRow("by text, case-blind") << "Name='p2'" << 1 << "P2" << false;
+        // Refused, and the set stays whole rather than empty.
+        QTest::newRow("unknown field") << "Nope=1" << 5 << "P1" << true;
+        QTest::newRow("no comparison") << "ID" << 5 << "P1" << true;
+        QTest::newRow("cleared") << "" << 5 << "P1" << false;
     }
     void filterAndBookmarks()
     {
         QFETCH(QString, filter);
         QFETCH(int, count);
         QFETCH(QString, first);
+        QFETCH(bool, fails);
         m_rs->moveLast();
         const auto mark = m_rs->bookmark();
-        m_rs->setFilter(filter);
+        bool threw = false;
+        try {
+            m_rs->setFilter(filter);
+        } catch (const VbError &) {
+            threw = true;
+        }
+        QCOMPARE(threw, fails);
+        QCOMPARE(m_rs->filter(), fails ? QString() : filter);
         QCOMPARE(m_rs->recordCount(), count);
         QCOMPARE(m_rs->eof(), count == 0);
         QCOMPARE(m_rs->text("Name"), first);

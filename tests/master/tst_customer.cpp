@@ -120,11 +120,14 @@ private slots:
         QTest::addColumn<QString>("account");
         QTest::addColumn<bool>("suspend");
         QTest::addColumn<QString>("message");
-        QTest::newRow("address in use") << "河路1号" << "" << false << "该地址已经开户了，请检查后再继续！";
-        QTest::newRow("address of a suspended customer") << "河路2号" << "" << false << "该地址已经开户了，请检查后再继续！";
-        QTest::newRow("account taken") << "河路9号" << "1" << false << "您所指定的帐户名称已被占用!,请重新指定";
+        QTest::addColumn<QString>("date");
+        QTest::newRow("address in use") << "河路1号" << "" << false << "该地址已经开户了，请检查后再继续！" << "";
+        QTest::newRow("address of a suspended customer") << "河路2号" << "" << false << "该地址已经开户了，请检查后再继续！" << "";
+        QTest::newRow("account taken") << "河路9号" << "1" << false << "您所指定的帐户名称已被占用!,请重新指定" << "";
         // The suspended flag brings its own comma into the statement.
-        QTest::newRow("suspended from the start") << "河路9号" << "" << true << Failed::Update;
+        QTest::newRow("suspended from the start") << "河路9号" << "" << true << Failed::Update << "";
+        QTest::newRow("opening date that is a condition")
+            << "河路9号" << "" << false << Failed::Update << "2026-01-01# + 1 + #2026-01-01";
     }
     void newCardsAreRefused()
     {
@@ -132,8 +135,11 @@ private slots:
         QFETCH(QString, account);
         QFETCH(bool, suspend);
         QFETCH(QString, message);
+        QFETCH(QString, date);
         prompts->expect(message, QMessageBox::Ok, true);
         openCard(1, 0, [&](QWidget *card) {
+            if (!date.isEmpty())
+                card->findChild<QLineEdit *>(QStringLiteral("txtCreateDate"))->setText(date);
             if (!account.isEmpty()) {
                 check(card, "chkAutoID")->click();
                 ModalScript::type(card, QStringLiteral("txtAccount"), account);

@@ -47,6 +47,31 @@ private slots:
         QCOMPARE(Val(text), expected);
     }
 
+    // Only the blank is cut: a tab or a full-width space the operator typed stays part of
+    // the address or name it is in.
+    void trim_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("left");
+        QTest::addColumn<QString>("right");
+        QTest::addColumn<QString>("both");
+        QTest::newRow("blanks") << "  a b  " << "a b  " << "  a b" << "a b";
+        QTest::newRow("only blanks") << "   " << "" << "" << "";
+        QTest::newRow("tab and line feed stay") << "\t a \n" << "\t a \n" << "\t a \n" << "\t a \n";
+        const QString wide = QString(QChar(0x3000)) + " a " + QChar(0x00A0);
+        QTest::newRow("wide and no-break spaces stay") << " " + wide + " " << wide + " " << " " + wide << wide;
+    }
+    void trim()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, left);
+        QFETCH(QString, right);
+        QFETCH(QString, both);
+        QCOMPARE(LTrim(text), left);
+        QCOMPARE(RTrim(text), right);
+        QCOMPARE(Trim(text), both);
+    }
+
     void conversions_data()
     {
         QTest::addColumn<int>("kind");

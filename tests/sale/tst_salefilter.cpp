@@ -21,7 +21,7 @@ namespace {
 // The filter as the list window's statement will read it, without the marks around typed values.
 QString plain(QString sql)
 {
-    for (QChar mark : {Sql::TextOpen, Sql::TextClose, Sql::NumberOpen, Sql::NumberClose})
+    for (QChar mark : {Sql::TextOpen, Sql::TextClose, Sql::NumberOpen, Sql::NumberClose, Sql::DateOpen, Sql::DateClose})
         sql.remove(mark);
     return sql;
 }

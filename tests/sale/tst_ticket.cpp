@@ -353,6 +353,7 @@ private slots:
         QFETCH(QString, shown);
         addCustomer7();
         Rows::customer(*db, 9, QStringLiteral("北街9号"), QStringLiteral("5559999"), QStringLiteral("0"));
+        SetSysValue(QStringLiteral("SearchAddress"), QStringLiteral("0")); // the lookups alone, not the typing search
         open(1);
         edit(form, "txtCustAddress")->setText(QStringLiteral("旧地址"));
         if (typed.contains(QLatin1Char('\'')))
@@ -531,24 +532,37 @@ private slots:
     void failedSavesChangeNothing_data()
     {
         QTest::addColumn<QString>("phone");
+        QTest::addColumn<QString>("product");
         QTest::addColumn<QString>("quantity");
         QTest::addColumn<QString>("remark");
+        QTest::addColumn<QString>("date");
         QTest::addColumn<QStringList>("messages");
-        QTest::newRow("quantity over 32767") << "" << "40000" << "" << QStringList{QStringLiteral("溢出")};
-        QTest::newRow("quote in the remark") << "" << "1" << "王's" << QStringList{Failed::Update};
+        const QString notSaved = QStringLiteral("单据没有保存：");
+        QTest::newRow("quantity over 32767") << "" << "2" << "40000" << "" << "" << QStringList{QStringLiteral("溢出")};
+        QTest::newRow("quote in the remark") << "" << "2" << "1" << "王's" << "" << QStringList{Failed::Update};
         QTest::newRow("quote in the new customer's phone")
-            << "555'1" << "1" << "" << QStringList{Failed::Update, QStringLiteral("往系统增加新客户信息时出现错误！")};
+            << "555'1" << "2" << "1" << "" << "" << QStringList{Failed::Update, QStringLiteral("往系统增加新客户信息时出现错误！")};
+        QTest::newRow("date that is a condition")
+            << "" << "2" << "1" << "" << "2026-01-01# or 1=1 or #2026-01-01" << QStringList{Failed::Update};
+        // The empties line is refused after the ticket and its line were written.
+        QTest::newRow("empties line refused") << "" << "1" << "1" << "" << "" << QStringList{Failed::Update, notSaved};
     }
     void failedSavesChangeNothing()
     {
         QFETCH(QString, phone);
+        QFETCH(QString, product);
         QFETCH(QString, quantity);
         QFETCH(QString, remark);
+        QFETCH(QString, date);
         QFETCH(QStringList, messages);
+        QVERIFY(db->exec("CREATE TRIGGER refuse_empties BEFORE INSERT ON Sale_detail WHEN NEW.IsContainer='1' "
+                         "BEGIN SELECT RAISE(ABORT, 'no empties today'); END"));
         open(1);
         typeAndEnter(form, "txtCustAddress", QStringLiteral("新村3号"));
         edit(form, "txtCustPhone")->setText(phone);
-        keyCell(form, 0, 0, QStringLiteral("2"));
+        if (!date.isEmpty())
+            edit(form, "txtCreateDate")->setText(date);
+        keyCell(form, 0, 0, product);
         keyCell(form, 0, 4, quantity);
         form->findChild<QPlainTextEdit *>(QStringLiteral("txtDetail"))->setPlainText(remark);
         for (const QString &m : messages)
@@ -561,6 +575,10 @@ private slots:
         // The operator's input stays for another try.
         QCOMPARE(form->xayDetail()->lineCount(), 1);
         QCOMPARE(text(form, "txtCustAddress"), QStringLiteral("新村3号"));
+        if (messages.last().startsWith(QStringLiteral("单据没有保存"))) {
+            QCOMPARE(prompts->last().title, QStringLiteral("系统错误"));
+            QCOMPARE(prompts->last().icon, QMessageBox::Critical);
+        }
     }
 
     void editedTicketIsRewrittenAndCloses()

@@ -65,6 +65,7 @@ void TestOperators::password_data()
     QTest::newRow("case counts") << QVariant("abc") << "ABC" << false;
     QTest::newRow("wrong") << QVariant("abc") << "abd" << false;
     QTest::newRow("blank inside counts") << QVariant("a bc") << "abc" << false;
+    QTest::newRow("a tab is not a blank") << QVariant("abc") << "abc\t" << false;
 }
 
 void TestOperators::password()

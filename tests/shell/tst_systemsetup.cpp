@@ -64,16 +64,17 @@ void TestSystemSetup::loadShowsStoredValues_data()
     QTest::addColumn<QList<int>>("opened");
     QTest::addColumn<QString>("areaCode");
     QTest::addColumn<QString>("numberLen");
-    QTest::newRow("nothing stored") << QStringList{} << "00000" << 0 << QList<int>{3} << "0" << "0";
+    // A new database has the address search and the list refresh on.
+    QTest::newRow("nothing stored") << QStringList{} << "00011" << 0 << QList<int>{3} << "0" << "0";
     QTest::newRow("stored") << QStringList{"AutoOutAmount=1", "AutoInContainer=1", "AutoDataRefresh=1",
                                            "ModemIndex=1", "AreaCode=0427", "NumberLen=7"}
-                            << "10101" << 1 << QList<int>{7} << "427" << "7";
-    QTest::newRow("no device chosen") << QStringList{"ModemIndex=-1", "SearchAddress=1"} << "00010" << -1
+                            << "10111" << 1 << QList<int>{7} << "427" << "7";
+    QTest::newRow("no device chosen") << QStringList{"ModemIndex=-1", "SearchAddress=0"} << "00001" << -1
                                       << QList<int>{} << "0" << "0";
     // Neither stops the load: the position stays at the first device.
-    QTest::newRow("beyond a whole number") << QStringList{"ModemIndex=40000"} << "00000" << 0
+    QTest::newRow("beyond a whole number") << QStringList{"ModemIndex=40000"} << "00011" << 0
                                            << QList<int>{3} << "0" << "0";
-    QTest::newRow("not a number") << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00000" << 0
+    QTest::newRow("not a number") << QStringList{"ModemIndex=abc", "NumberLen=8"} << "00011" << 0
                                   << QList<int>{3} << "0" << "8";
 }
 
@@ -85,9 +86,11 @@ void TestSystemSetup::loadShowsStoredValues()
     QFETCH(QList<int>, opened);
     QFETCH(QString, areaCode);
     QFETCH(QString, numberLen);
-    for (const QString &v : values)
+    for (const QString &v : values) {
+        m_db->exec(QString("DELETE FROM SysValue WHERE Name='%1'").arg(v.section('=', 0, 0)));
         m_db->exec(QString("INSERT INTO SysValue(Name,myValue) VALUES('%1','%2')")
                        .arg(v.section('=', 0, 0), v.section('=', 1)));
+    }
     QWidget *w = Forms::get("frmSystemSetup");
     QVERIFY(!w->isVisible());
     QString shown;
@@ -107,6 +110,7 @@ void TestSystemSetup::okStoresUnderCrossedKeys()
     script.on("frmSystemSetup", [](QWidget *w) {
         w->findChild<QCheckBox *>("chkAutoDo_0")->setChecked(true); // labelled full payment
         w->findChild<QCheckBox *>("chkAutoDataRefresh")->setChecked(true);
+        w->findChild<QCheckBox *>("chkSearchAddress")->setChecked(false);
         ModalScript::type(w, "txtAreaCode", "0427");
         ModalScript::type(w, "txtNumberLen", "8");
         ModalScript::click(w, "btnOk");
@@ -115,8 +119,8 @@ void TestSystemSetup::okStoresUnderCrossedKeys()
     VERIFY_MODALS(script);
     QCOMPARE(m_db->scalar("SELECT group_concat(Name||'='||myValue, ',') FROM SysValue WHERE Name<>'CompanyName'")
                  .toString(),
-             QStringLiteral("AutoOutAmount=1,AutoInMoney=0,AutoInContainer=0,SearchAddress=0,"
-                            "AutoDataRefresh=1,ModemIndex=-1,AreaCode=0427,NumberLen=8"));
+             QStringLiteral("AutoDataRefresh=1,SearchAddress=0,AutoOutAmount=1,AutoInMoney=0,AutoInContainer=0,"
+                            "ModemIndex=-1,AreaCode=0427,NumberLen=8"));
     frmSystemSetup::setLineDevices([] {
         return QList<frmSystemSetup::LineDevice>{{3, "调制解调器 A"}, {7, "调制解调器 B"}};
     });
