@@ -22,6 +22,7 @@
 #include "platform/VbRules.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
+#include "stock/StockForms.h"
 #include "workflow/WorkflowForms.h"
 
 #include <QLibraryInfo>
@@ -78,6 +79,7 @@ void Shell::registerAllForms()
     registerCustomerForms();
     registerCatalogForms();
     registerWorkflowForms();
+    registerStockForms();
 }
 
 bool Shell::startSession()
