@@ -22,6 +22,7 @@
 #include "report/TodayForms.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
+#include "stock/StockForms.h"
 #include "telephony/TelephonyForms.h"
 #include "views/AdminList.h"
 #include "workflow/WorkflowForms.h"
@@ -80,6 +81,7 @@ void Shell::registerAllForms()
     registerCustomerForms();
     registerCatalogForms();
     registerWorkflowForms();
+    registerStockForms();
     registerTelephonyForms();
     registerTodayForms();
 }

@@ -64,8 +64,13 @@ bool ConditionRow::checkValue()
     if (!e || kind == Kind::Text)
         return true;
     const QString typed = Trim(e->text());
-    if (kind == Kind::Date)
+    if (kind == Kind::Date) {
+        if (typed.isEmpty() && emptyDateIsToday) {
+            e->setText(DateText(Clock::today()));
+            return true;
+        }
         return typed.isEmpty() || ValidateField(typed, 2);
+    }
     if (e->text().isEmpty()) {
         e->setText(QStringLiteral("0"));
         return true;
@@ -90,7 +95,7 @@ FilterDialog::FilterDialog(const QString &name, const QString &caption, Joining 
     connect(btnCancel, &QPushButton::clicked, this, [this] { Forms::unload(this); });
 }
 
-void FilterDialog::addCondition(const char *checkName, const QString &caption, const char *fieldName,
+ConditionRow &FilterDialog::addCondition(const char *checkName, const QString &caption, const char *fieldName,
                                 ConditionRow::Kind kind, int operatorIndex,
                                 std::function<QString(const ConditionRow &)> clause)
 {
@@ -143,6 +148,7 @@ void FilterDialog::addCondition(const char *checkName, const QString &caption, c
         const ConditionRow &r = m_rows[line];
         return r.ticked() ? r.clause(r) : QString();
     };
+    return m_rows.last();
 }
 
 void FilterDialog::setValueKind(const char *fieldName, int kind)

@@ -25,6 +25,7 @@ public:
     QComboBox *op = nullptr; // nullptr where the comparison is fixed
     Kind kind = Kind::Text;
     int valueKind = 1;       // the value check of a number field: 1, or 3 for 16-bit ones
+    bool emptyDateIsToday = false; // a date field left empty takes today instead of staying empty
     std::function<QString(const ConditionRow &)> clause;
 
     bool ticked() const;
@@ -39,7 +40,7 @@ public:
     // empty date with today when ticked.
     void refresh(const QColor &offBackground);
     // The check on leaving the field: false (after the message) when it cannot be read. An
-    // empty number becomes 0; a date is tested only when typed.
+    // empty number becomes 0; a date is tested only when typed, or first becomes today.
     bool checkValue();
 
     // A typed date between the statement's date marks.
@@ -67,8 +68,9 @@ protected:
     FilterDialog(const QString &name, const QString &caption, Joining joining);
 
     // The controls of one condition, added in the order of building. operatorIndex is the
-    // place in cmbOperator, -1 for none.
-    void addCondition(const char *checkName, const QString &caption, const char *fieldName,
+    // place in cmbOperator, -1 for none. The row given back is for settings made at once: the
+    // next condition added may move it.
+    ConditionRow &addCondition(const char *checkName, const QString &caption, const char *fieldName,
                                ConditionRow::Kind kind, int operatorIndex,
                                std::function<QString(const ConditionRow &)> clause);
     // A number field whose value check is another kind (3: a 16-bit whole number).

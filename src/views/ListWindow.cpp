@@ -17,8 +17,31 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+namespace {
+// The list's rows with the window's cell colours on top.
+class ListModel : public RecordsetModel {
+public:
+    ListModel(ListWindow *window, std::function<QColor(int, const QVariant &)> cellColor)
+        : RecordsetModel(window), m_cellColor(std::move(cellColor))
+    {
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (role != Qt::ForegroundRole)
+            return RecordsetModel::data(index, role);
+        const QColor c = index.isValid() ? m_cellColor(index.column(), RecordsetModel::data(index, Qt::EditRole))
+                                         : QColor();
+        return c.isValid() ? QVariant(c) : QVariant();
+    }
+
+private:
+    std::function<QColor(int, const QVariant &)> m_cellColor;
+};
+}
+
 ListWindow::ListWindow(QWidget *parent)
-    : QWidget(parent), dbgMain(new DbGrid(this)), m_model(new RecordsetModel(this))
+    : QWidget(parent), dbgMain(new DbGrid(this)),
+      m_model(new ListModel(this, [this](int column, const QVariant &v) { return FetchCellColor(column, v); }))
 {
     dbgMain->setObjectName(QStringLiteral("dbgMain"));
     dbgMain->setModel(m_model);
@@ -182,6 +205,8 @@ void ListWindow::fitColumns()
 void ListWindow::ShowSortIcon(int ColIndex, qint32 Direction) { dbgMain->setSortMark(ColIndex, Direction); }
 
 RowStyle ListWindow::FetchRowStyle(int) { return {}; }
+
+QColor ListWindow::FetchCellColor(int, const QVariant &) { return {}; }
 
 void ListWindow::openCard(int actionType, qint32 id)
 {

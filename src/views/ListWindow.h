@@ -108,6 +108,8 @@ protected:
     virtual QString sortFieldFor(const QString &field) const { return field; }
     // The row colour of a row, read through rsClone; the default style when not overridden.
     virtual RowStyle FetchRowStyle(int bookmark);
+    // The text colour of one cell from its stored value, over the row's; none when not overridden.
+    virtual QColor FetchCellColor(int column, const QVariant &value);
     // mActionType for EditData on the current row (rsClone is on it when there is one).
     virtual int editMode() { return 2; }
     // Moves rsClone to the grid's current row; false with no current row.
