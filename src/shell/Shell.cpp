@@ -20,6 +20,7 @@
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
 #include "platform/VbRules.h"
+#include "report/ReportForms.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
 #include "workflow/WorkflowForms.h"
@@ -78,6 +79,7 @@ void Shell::registerAllForms()
     registerCustomerForms();
     registerCatalogForms();
     registerWorkflowForms();
+    registerReportForms();
 }
 
 bool Shell::startSession()
