@@ -141,18 +141,17 @@ void frmChart::buildSeries()
     auto *axisX = new QCategoryAxis;
     axisX->setTitleText(QStringLiteral("日期"));
     axisX->setLabelsPosition(QCategoryAxis::AxisLabelsPositionOnValue);
-    // Labels that share one position would print over each other: the first one shows.
-    double lastPosition = -1;
-    for (const auto &label : m_data.labels) {
-        if (label.position > lastPosition || lastPosition < 0)
-            axisX->append(label.text, label.position);
-        lastPosition = label.position;
-    }
+
+    // Dates are read whole, turned when there are many of them.
+    axisX->setTruncateLabels(false);
     if (m_data.labels.size() > 12)
         axisX->setLabelsAngle(-60);
     const int n = int(m_data.money.size());
     const double half = (m_data.step > 0 ? m_data.step : 1) / 2.0;
     axisX->setRange(n > 0 ? m_data.pointX(0) - half : 0, n > 0 ? m_data.pointX(n - 1) + half : 1);
+    placeLabels(axisX);
+    // The axis would pile the labels of dates scrolled or zoomed out of view at its ends.
+    connect(axisX, &QValueAxis::rangeChanged, this, [this, axisX] { placeLabels(axisX); });
     m_chart->addAxis(axisX, Qt::AlignBottom);
 
     auto *axisY = new QValueAxis;
@@ -177,6 +176,9 @@ void frmChart::buildSeries()
         amountAxis->setRange(0, std::max(topAmount, 1.0));
         amountAxis->applyNiceNumbers();
     }
+    // Whole numbers on the scales, unless the scale is too small for them.
+    for (QValueAxis *axis : {axisY, amountAxis})
+        axis->setLabelFormat(axis->max() >= 10 ? QStringLiteral("%.0f") : QStringLiteral("%.1f"));
 
     const struct {
         QString name;
@@ -190,15 +192,17 @@ void frmChart::buildSeries()
         QAbstractSeries *shown = line;
         if (m_chartType == Area) {
             auto *area = new QAreaSeries(line);
+            // The money lies beneath, full; the quantity over it is a light veil, so both
+            // stay readable where they overlap.
             QColor fill = s.colour;
-            fill.setAlpha(110);
+            fill.setAlpha(&s == &series[0] ? 170 : 60);
             area->setBrush(fill);
             area->setPen(QPen(s.colour, 2));
             shown = area;
         } else {
             line->setPen(QPen(s.colour, 2.5));
             line->setPointsVisible(true);
-            line->setMarkerSize(7);
+            line->setMarkerSize(m_data.money.size() > 20 ? 5 : 7);
             const QString name = s.name;
             connect(line, &QLineSeries::hovered, this, [this, name](const QPointF &point, bool state) {
                 if (!state)
@@ -215,6 +219,24 @@ void frmChart::buildSeries()
         shown->attachAxis(s.axis);
     }
     keepHomeView();
+    // The markers of the form just left would otherwise stay on screen in bits.
+    chtMain->scene()->update();
+    chtMain->viewport()->update();
+}
+
+void frmChart::placeLabels(QCategoryAxis *axis)
+{
+    for (const QString &label : axis->categoriesLabels())
+        axis->remove(label);
+    // Labels that share one position would print over each other: the first one shows.
+    double lastPosition = -1;
+    for (const auto &label : std::as_const(m_data.labels)) {
+        const bool shown = label.position >= axis->min() && label.position <= axis->max();
+        if (shown && (label.position > lastPosition || lastPosition < 0)) {
+            axis->append(label.text, label.position);
+            lastPosition = label.position;
+        }
+    }
 }
 
 void frmChart::keepHomeView()
@@ -266,14 +288,21 @@ bool frmChart::eventFilter(QObject *watched, QEvent *event)
             break;
         m_modifying = true;
         m_lastPos = mouse->position();
+        m_anchor = m_chart->mapFromScene(chtMain->mapToScene(mouse->position().toPoint()));
         return true;
     case QEvent::MouseMove: {
         if (!m_modifying || !(mouse->buttons() & Qt::LeftButton))
             break;
         const QPointF delta = mouse->position() - m_lastPos;
         m_lastPos = mouse->position();
-        if (curAction == Scale)
-            m_chart->zoom(std::pow(1.01, -delta.y())); // up enlarges, down shrinks
+        if (curAction == Scale) {
+            // Up enlarges, down shrinks, about the point first pressed, which stays put.
+            const double factor = std::pow(1.01, -delta.y());
+            const QRectF area = m_chart->plotArea();
+            const QPointF a = m_anchor;
+            m_chart->zoomIn(QRectF(QPointF(a.x() - (a.x() - area.left()) / factor, a.y() - (a.y() - area.top()) / factor),
+                                   area.size() / factor));
+        }
         else if (curAction == Drag)
             m_chart->scroll(-delta.x(), delta.y());
         return true;

@@ -5,6 +5,7 @@
 #include <QPointF>
 
 class QAction;
+class QCategoryAxis;
 class QChart;
 class QChartView;
 class QToolBar;
@@ -52,6 +53,7 @@ private:
     void setChartType(ChartType type);
     void buildSeries();
     void keepHomeView();
+    void placeLabels(QCategoryAxis *axis);
 
     QToolBar *barTool;
     QChartView *chtMain;
@@ -62,6 +64,7 @@ private:
     bool m_unloading = false;
     bool m_modifying = false;
     QPointF m_lastPos;
+    QPointF m_anchor; // where a scaling began, in the chart's coordinates
     struct Range {
         QValueAxis *axis;
         double min, max;
