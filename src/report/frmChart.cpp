@@ -135,8 +135,10 @@ void frmChart::Form_Load()
 void frmChart::buildSeries()
 {
     m_chart->removeAllSeries();
-    for (QAbstractAxis *axis : m_chart->axes())
-        m_chart->removeAxis(axis);
+    for (QAbstractAxis *axis : m_chart->axes()) {
+        m_chart->removeAxis(axis); // hands the axis back to us
+        delete axis;
+    }
 
     auto *axisX = new QCategoryAxis;
     axisX->setTitleText(QStringLiteral("日期"));
@@ -166,7 +168,6 @@ void frmChart::buildSeries()
         amountAxis->setLinePenColor(AmountColour);
         amountAxis->setLabelsColor(AmountColour);
         m_chart->addAxis(amountAxis, Qt::AlignRight);
-        axisY->setTitleText(QStringLiteral("数据（销售金额）"));
         axisY->setLinePenColor(MoneyColour);
         axisY->setLabelsColor(MoneyColour);
     }
