@@ -1,6 +1,7 @@
 #include "ReportQuery.h"
 
 #include "data/Gateway.h"
+#include "data/SqlText.h"
 #include "platform/VbRules.h"
 
 namespace {
@@ -25,8 +26,9 @@ QString ReportQuery::shortSql() const
 
 QString ReportQuery::filterSql() const
 {
-    QString sql = QStringLiteral(" WHERE CreateDate>=#") + DateText(m_start) + QStringLiteral("# and CreateDate<=#")
-                  + DateText(m_end) + QStringLiteral("#");
+    // The period was typed in the report dialog: the gateway takes it only as dates.
+    QString sql = QStringLiteral(" WHERE CreateDate>=#") + Sql::date(DateText(m_start))
+                  + QStringLiteral("# and CreateDate<=#") + Sql::date(DateText(m_end)) + QStringLiteral("#");
     if (m_type == 1 || m_type == 4)
         sql += QStringLiteral(" and CustomerID=") + QString::number(m_id);
     else if (m_type == 2 || m_type == 5)
@@ -68,22 +70,26 @@ QString ReportQuery::caption(const QString &previous) const
     }
 }
 
-QString ReportQuery::sortSqlFor(const QString &field, qint32 sortDirection) const
+QString ReportQuery::sortExpression(const QString &field) const
 {
     // The columns show sums and a key; the order must name what they were made of.
-    QString expression = field;
     if (field.compare(QLatin1String("ReportDate"), Qt::CaseInsensitive) == 0)
-        expression = dateKey();
-    else if (field.compare(QLatin1String("SumAmount"), Qt::CaseInsensitive) == 0)
-        expression = QStringLiteral("Sum(TotalAmount)");
-    else if (field.compare(QLatin1String("SumMoney"), Qt::CaseInsensitive) == 0)
-        expression = QStringLiteral("Sum(TotalMoney)");
-    else if (field.compare(QLatin1String("LackMoney"), Qt::CaseInsensitive) == 0)
-        expression = QStringLiteral("Sum(TotalMoney-InMoney)");
-    else if (field.compare(QLatin1String("LackContainer"), Qt::CaseInsensitive) == 0)
-        expression = QStringLiteral("Sum(TotalContainer-InContainer)");
-    else if (field.compare(QLatin1String("TotalFee"), Qt::CaseInsensitive) == 0)
-        expression = QStringLiteral("Sum(TransferFee)");
-    return QStringLiteral(" ORDER BY ") + expression
+        return dateKey();
+    if (field.compare(QLatin1String("SumAmount"), Qt::CaseInsensitive) == 0)
+        return QStringLiteral("Sum(TotalAmount)");
+    if (field.compare(QLatin1String("SumMoney"), Qt::CaseInsensitive) == 0)
+        return QStringLiteral("Sum(TotalMoney)");
+    if (field.compare(QLatin1String("LackMoney"), Qt::CaseInsensitive) == 0)
+        return QStringLiteral("Sum(TotalMoney-InMoney)");
+    if (field.compare(QLatin1String("LackContainer"), Qt::CaseInsensitive) == 0)
+        return QStringLiteral("Sum(TotalContainer-InContainer)");
+    if (field.compare(QLatin1String("TotalFee"), Qt::CaseInsensitive) == 0)
+        return QStringLiteral("Sum(TransferFee)");
+    return field;
+}
+
+QString ReportQuery::sortSqlFor(const QString &field, qint32 sortDirection) const
+{
+    return QStringLiteral(" ORDER BY ") + sortExpression(field)
            + (sortDirection == 1 ? QStringLiteral(" Asc") : QStringLiteral(" Desc"));
 }

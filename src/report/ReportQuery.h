@@ -20,6 +20,8 @@ public:
     // the database for kinds 2 and 5.
     QString caption(const QString &previous = QString()) const;
 
+    // What a click on the column of field sorts by, and the ORDER BY clause for it.
+    QString sortExpression(const QString &field) const;
     // The ORDER BY clause for a click on the column of field, as the sums it shows.
     QString sortSqlFor(const QString &field, qint32 sortDirection) const;
 

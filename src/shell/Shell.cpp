@@ -19,6 +19,7 @@
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
 #include "platform/VbRules.h"
+#include "report/ReportForms.h"
 #include "report/TodayForms.h"
 #include "sale/PrintForms.h"
 #include "sale/TicketForms.h"
@@ -81,6 +82,7 @@ void Shell::registerAllForms()
     registerCustomerForms();
     registerCatalogForms();
     registerWorkflowForms();
+    registerReportForms();
     registerStockForms();
     registerTelephonyForms();
     registerTodayForms();
