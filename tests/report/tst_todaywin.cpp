@@ -25,7 +25,7 @@ void smallShop(TestDb &db)
     QVERIFY(db.exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
                     "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
     QVERIFY(db.exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
-    Fixture::customer(db, 1, QStringLiteral("东街1号"));
+    QVERIFY(Rows::customer(db, 1, QStringLiteral("东街1号")));
     Fixture::ticket(db, {1, "2026-11-20", 3, 3, 30, 30, 0, 0});
     Fixture::ticket(db, {2, "2026-11-23", 2, 2, 20, 20, 0, 0});
 }

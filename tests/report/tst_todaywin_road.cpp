@@ -49,7 +49,7 @@ void TestTodayRoad::settledTicketIsClosedAndOnlyViewed()
     QVERIFY(db.exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
                     "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
     QVERIFY(db.exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
-    Fixture::customer(db, 1, QStringLiteral("东街1号"));
+    QVERIFY(Rows::customer(db, 1, QStringLiteral("东街1号")));
     // Two buckets of water delivered today, not yet paid, the empty buckets not yet back.
     QVERIFY(db.exec("INSERT INTO Sale(ID,CustomerID,SenderID,UserID,TotalAmount,OutAmount,TotalMoney,InMoney,"
                     "TotalContainer,InContainer,TransferFee,Detail,CreateDate,FinishFlag,StationID) "
