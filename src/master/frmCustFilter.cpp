@@ -55,11 +55,6 @@ frmCustFilter::frmCustFilter()
     findChild<QComboBox *>(QStringLiteral("cmbCustType"))
         ->addItems({QStringLiteral("未开户客户"), QStringLiteral("已开户客户"), QStringLiteral("开户大客户"),
                     QStringLiteral("托管户"), QStringLiteral("其它")});
-    auto *station = findChild<DataCombo *>(QStringLiteral("cmbStation"));
-    station->setRowSource(OpenRecordset("select * from Station WHERE Status='1'"), "Name", "ID");
-    station->setBoundText(QStringLiteral("1"));
-    // One station is in daily use: its condition stays out of sight.
-    station->hide();
-    findChild<QCheckBox *>(QStringLiteral("chkStation"))->hide();
+    keepStationOutOfSight();
     finishLayout();
 }

@@ -48,12 +48,7 @@ frmSaleFilter::frmSaleFilter() : FilterDialog(QStringLiteral("frmSaleFilter"), Q
                            {QStringLiteral("所有单据"), QStringLiteral("已结转单据"), QStringLiteral("未结转单据")});
     finishLayout();
 
-    auto *station = findChild<DataCombo *>(QStringLiteral("cmbStation"));
-    station->setRowSource(OpenRecordset("select * from Station WHERE Status='1'"), "Name", "ID");
-    station->setBoundText(QStringLiteral("1"));
-    // One station is in daily use: its condition stays out of sight.
-    station->hide();
-    findChild<QCheckBox *>(QStringLiteral("chkStation"))->hide();
+    keepStationOutOfSight();
     findChild<DataCombo *>(QStringLiteral("cmbUserID"))
         ->setRowSource(OpenRecordset("select * from SysUser where Status='1'"), "Name", "ID");
     findChild<DataCombo *>(QStringLiteral("cmbSenderID"))

@@ -2,6 +2,7 @@
 
 #include "DataCombo.h"
 
+#include "data/Gateway.h"
 #include "data/PickDate.h"
 #include "data/Session.h"
 #include "data/SqlText.h"
@@ -176,6 +177,15 @@ QList<QRadioButton *> FilterDialog::addOptions(const QString &title, const char 
     buttons.first()->setChecked(true);
     m_optionBoxes << box;
     return buttons;
+}
+
+void FilterDialog::keepStationOutOfSight()
+{
+    auto *station = findChild<DataCombo *>(QStringLiteral("cmbStation"));
+    station->setRowSource(OpenRecordset("select * from Station WHERE Status='1'"), "Name", "ID");
+    station->setBoundText(QStringLiteral("1"));
+    station->hide();
+    findChild<QCheckBox *>(QStringLiteral("chkStation"))->hide();
 }
 
 void FilterDialog::finishLayout()

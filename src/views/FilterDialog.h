@@ -81,6 +81,9 @@ protected:
     QList<QRadioButton *> addOptions(const QString &title, const char *name, const QStringList &captions);
     // Lays out the conditions, the option rows and the buttons; the last step of building.
     void finishLayout();
+    // Fills the station list with the stations in use on station 1 and hides its condition:
+    // one station is in daily use, so the choice stays out of sight.
+    void keepStationOutOfSight();
 
     QList<QComboBox *> cmbOperator;
     QList<QRadioButton *> optSearchType;
