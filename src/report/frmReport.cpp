@@ -22,6 +22,15 @@ void frmReport::showEvent(QShowEvent *event)
     ListWindow::showEvent(event);
 }
 
+void frmReport::setChoice(const ReportChoice &choice)
+{
+    curReportType = choice.type;
+    mCurID = choice.id;
+    curReportStart = choice.start;
+    curReportEnd = choice.end;
+    curStationID = choice.station;
+}
+
 void frmReport::Form_Load()
 {
     m_loaded = true;

@@ -1,4 +1,5 @@
 #pragma once
+#include "frmSetReport.h"
 #include "views/ListWindow.h"
 
 #include <QDate>
@@ -28,6 +29,8 @@ public:
     // Builds the statement from what was handed over and runs it, whatever the shop's
     // automatic refresh says: a report is asked for to be seen.
     void Form_Load();
+    // Takes over what the report dialog chose; the report runs when the window shows.
+    void setChoice(const ReportChoice &choice);
 
 public slots:
     void SetMyDBGrid();

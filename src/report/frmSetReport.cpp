@@ -185,6 +185,20 @@ void frmSetReport::pickDate(QLineEdit *field)
     field->setText(DateText(Session::PickedDate.isValid() ? Session::PickedDate : QDate(1899, 12, 30)));
 }
 
+ReportChoice frmSetReport::choice() const
+{
+    ReportChoice c;
+    c.type = curReportType;
+    if (curReportType == 1 || curReportType == 4)
+        c.id = GetCustomerIDByAccount(txtAccount->text());
+    else if (curReportType == 2 || curReportType == 5)
+        c.id = qint32(Val(cmbSender->BoundText()));
+    c.start = CDate(txtStartDate->text());
+    c.end = CDate(txtEndDate->text());
+    c.station = qint32(Val(cmbStation->BoundText()));
+    return c;
+}
+
 void frmSetReport::btnOk_Click()
 {
     // The field that had the focus is checked before the report is taken.

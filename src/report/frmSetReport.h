@@ -1,10 +1,20 @@
 #pragma once
+#include <QDate>
 #include <QDialog>
 
 class DataCombo;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+
+// What a confirmed report dialog hands to the report window.
+struct ReportChoice {
+    qint32 type = 0;
+    qint32 id = 0; // the customer of kinds 1 and 4, the delivery worker of kinds 2 and 5
+    QDate start;
+    QDate end;
+    qint32 station = 0;
+};
 
 // The choice of a period report: its period, and the customer or the delivery worker it is
 // about. The caller sets curReportType before showing it; mResult says whether OK was pressed,
@@ -21,6 +31,9 @@ public:
 
     // Sets the fields for the kind; runs when the dialog first shows, once the kind is set.
     void Form_Load();
+    // The confirmed choice: the customer found by the account typed, the worker by the combo.
+    // The account's lookup shows the read message and throws when its statement fails.
+    ReportChoice choice() const;
 
 public slots:
     void RefreshControl();

@@ -11,6 +11,8 @@
 #include "platform/Modal.h"
 #include "platform/Prompter.h"
 #include "platform/VbRules.h"
+#include "report/frmChart.h"
+#include "report/frmReport.h"
 #include "telephony/CallerIdHandler.h"
 
 #include <QCloseEvent>
@@ -271,58 +273,29 @@ void frmMain::clearUser()
 
 void frmMain::showChart()
 {
-    QWidget *child = Forms::activeChild();
-    QWidget *chart = Forms::get("frmChart");
+    auto *report = qobject_cast<frmReport *>(Forms::activeChild());
+    auto *chart = Forms::get<frmChart>("frmChart");
     if (!chart)
         return;
-    chart->setProperty("curChartCaption", child ? child->property("curReportCaption") : QVariant());
+    chart->curChartCaption = report ? report->curReportCaption : QString();
     Modal::exec(chart);
-}
-
-namespace {
-QString boundText(QWidget *form, const char *name)
-{
-    QWidget *w = form->findChild<QWidget *>(name);
-    if (!w)
-        return QString();
-    const QVariant bound = w->property("BoundText");
-    if (bound.isValid())
-        return bound.toString();
-    const QVariant data = w->property("currentData");
-    return data.toString();
-}
-
-QString fieldText(QWidget *form, const char *name)
-{
-    QWidget *w = form->findChild<QWidget *>(name);
-    return w ? w->property("text").toString() : QString();
-}
 }
 
 void frmMain::showReport(int mode)
 {
-    QWidget *setup = Forms::get("frmSetReport");
+    auto *setup = Forms::get<frmSetReport>("frmSetReport");
     if (!setup)
         return;
-    setup->setProperty("curReportType", mode);
+    setup->curReportType = mode;
     Modal::exec(setup);
-    if (!setup->property("mResult").toBool())
+    if (!setup->mResult)
         return;
-    QWidget *report = Forms::get("frmReport");
-    if (!report) {
-        Forms::unload(setup);
-        return;
-    }
-    report->setProperty("curReportType", setup->property("curReportType"));
-    if (mode == 1 || mode == 4)
-        report->setProperty("mCurID", GetCustomerIDByAccount(fieldText(setup, "txtAccount")));
-    else if (mode == 2 || mode == 5)
-        report->setProperty("mCurID", int(Val(boundText(setup, "cmbSender"))));
-    report->setProperty("curReportStart", CDate(fieldText(setup, "txtStartDate")));
-    report->setProperty("curReportEnd", CDate(fieldText(setup, "txtEndDate")));
-    report->setProperty("curStationID", int(Val(boundText(setup, "cmbStation"))));
+    auto *report = Forms::get<frmReport>("frmReport");
+    if (report)
+        report->setChoice(setup->choice());
     Forms::unload(setup);
-    showChild("frmReport");
+    if (report)
+        showChild("frmReport");
 }
 
 QTableView *frmMain::activeGrid() const
