@@ -1,6 +1,5 @@
 #include "data/JetDialect.h"
 
-#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -105,18 +104,16 @@ class TestJetDialectFuzz : public QObject {
 private slots:
     void randomStatements()
     {
+        // A fixed number from the fixed seed: the same statements on every run, however busy
+        // the machine is.
         Fuzzer fuzz;
-        QElapsedTimer clock;
-        clock.start();
-        int n = 0;
-        for (; n < 40000 && clock.elapsed() < 5000; ++n) {
+        for (int n = 0; n < 5000; ++n) {
             const QString in = fuzz.random();
             checkInvariants(in, Target::SQLite);
             checkInvariants(in, Target::PostgreSQL);
             if (QTest::currentTestFailed())
                 return;
         }
-        QVERIFY2(n >= 5000, qPrintable(QString::number(n)));
     }
 
     // Dates of every form, possible or not, against the calendar; a sample goes to the engine,
@@ -163,7 +160,8 @@ private slots:
         QVERIFY(refused > 25);
     }
 
-    // Long hostile statements take time in proportion to their length.
+    // Long hostile statements are translated whole, without blowing up. How long they take is
+    // the benchmark's business; a run that went quadratic would end at the test's time limit.
     void longStatements_data()
     {
         QTest::addColumn<QString>("unit");
@@ -174,10 +172,7 @@ private slots:
     {
         QFETCH(QString, unit);
         const QString in = unit.repeated(200000 / unit.size());
-        QElapsedTimer clock;
-        clock.start();
         const QString out = JetDialect::translate(in, Target::SQLite);
-        QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
         QVERIFY(out.size() <= 20 * in.size());
         checkInvariants(in.left(5000), Target::SQLite);
     }
