@@ -1,5 +1,7 @@
 #include "Database.h"
 
+#include "ServerEngine.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -10,7 +12,8 @@
 #include <sqlite3.h>
 
 namespace {
-QString g_path;
+QString g_path;   // the file in use, or the server's name
+bool g_onServer = false;
 int g_busyTimeout = 10000;
 
 // Text compares case-blind, as the program's statements expect. Dates are ISO text, money
@@ -163,25 +166,38 @@ QString Database::defaultPath()
     return QDir(data).filePath(QLatin1String(FileName));
 }
 
-QString Database::folder() { return QFileInfo(g_path.isEmpty() ? defaultPath() : g_path).absolutePath(); }
+QString Database::folder()
+{
+    if (g_onServer)
+        return QCoreApplication::applicationDirPath();
+    return QFileInfo(g_path.isEmpty() ? defaultPath() : g_path).absolutePath();
+}
 
 bool Database::create(QSqlDatabase db, QString *error)
 {
+    const bool server = ServerEngine::isServer(db);
     if (!db.transaction()) {
         if (error)
             *error = db.lastError().text();
         return false;
     }
-    for (const char *statement : Schema) {
-        if (!run(db, QString::fromUtf8(statement), error)) {
+    if (server) {
+        if (!ServerEngine::create(db, error)) {
             db.rollback();
             return false;
         }
-    }
-    for (const char *statement : ReportIndexes) {
-        if (!run(db, QString::fromUtf8(statement), error)) {
-            db.rollback();
-            return false;
+    } else {
+        for (const char *statement : Schema) {
+            if (!run(db, QString::fromUtf8(statement), error)) {
+                db.rollback();
+                return false;
+            }
+        }
+        for (const char *statement : ReportIndexes) {
+            if (!run(db, QString::fromUtf8(statement), error)) {
+                db.rollback();
+                return false;
+            }
         }
     }
     const QStringList rows = {
@@ -199,7 +215,85 @@ bool Database::create(QSqlDatabase db, QString *error)
             return false;
         }
     }
+    // The station was written with its key: the server's next key must pass it.
+    if (server && !ServerEngine::syncKeys(db, error)) {
+        db.rollback();
+        return false;
+    }
     return db.commit();
+}
+
+namespace {
+void dropConnection(QSqlDatabase &db)
+{
+    db.close();
+    db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QLatin1String(Database::ConnectionName));
+}
+}
+
+bool Database::openServer(const Server &server, QString *error)
+{
+    close();
+    auto fail = [&](QSqlDatabase &db, const QString &why) {
+        if (error)
+            *error = QStringLiteral("无法使用数据库服务器 %1：%2").arg(server.name(), why.trimmed());
+        dropConnection(db);
+        return false;
+    };
+    QSqlDatabase db = QSqlDatabase::addDatabase(QLatin1String(ServerEngine::Driver), QLatin1String(ConnectionName));
+    if (!db.isValid())
+        return fail(db, QStringLiteral("本机没有 PostgreSQL 的数据库驱动 (libqt6sql6-psql)。"));
+    db.setHostName(server.host);
+    db.setPort(server.port);
+    db.setDatabaseName(server.database);
+    db.setUserName(server.user);
+    db.setPassword(server.password);
+    db.setConnectOptions(QStringLiteral("connect_timeout=10;application_name=Tarvik"));
+    if (!db.open())
+        return fail(db, db.lastError().text());
+    QString failure;
+    // A write waits for another workstation's as long as on the file, then fails with the
+    // busy message rather than hang.
+    bool ok = run(db, QStringLiteral("SET lock_timeout = %1").arg(g_busyTimeout), &failure)
+              && run(db, QStringLiteral("SET client_min_messages = warning"), &failure);
+    if (ok && !hasTables(db))
+        ok = create(db, &failure);
+    if (!ok)
+        return fail(db, failure);
+    g_path = server.name();
+    g_onServer = true;
+    return true;
+}
+
+bool Database::openPath(const QString &path, QString *error)
+{
+    if (!path.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
+        return open(path, error);
+    Server server;
+    return readServerFile(path, &server, error) && openServer(server, error);
+}
+
+JetDialect::Target Database::target()
+{
+    return g_onServer ? JetDialect::Target::PostgreSQL : JetDialect::Target::SQLite;
+}
+
+QStringList Database::beginStatements()
+{
+    // The file is taken for writing at once (BEGIN IMMEDIATE); on the server one lock taken
+    // at the start does the same, so writes follow each other as they do on the file.
+    if (g_onServer)
+        return {QStringLiteral("BEGIN"), QStringLiteral("SELECT pg_advisory_xact_lock(20261123)")};
+    return {QStringLiteral("BEGIN IMMEDIATE")};
+}
+
+bool Database::syncKeys(QString *error)
+{
+    if (!g_onServer)
+        return true;
+    QSqlDatabase db = connection();
+    return ServerEngine::syncKeys(db, error);
 }
 
 bool Database::open(const QString &path, QString *error)
@@ -254,12 +348,20 @@ bool Database::open(const QString &path, QString *error)
         return false;
     }
     g_path = info.absoluteFilePath();
+    g_onServer = false;
     return true;
 }
 
 QString Database::path() { return g_path; }
 
 void Database::setBusyTimeout(int ms) { g_busyTimeout = ms; }
+
+QString Database::explain(const QSqlError &error)
+{
+    if (g_onServer)
+        return ServerEngine::explain(error, g_path);
+    return explain(error.nativeErrorCode().toInt(), QString());
+}
 
 QString Database::explain(int engineCode, const QString &path)
 {
@@ -287,6 +389,8 @@ bool Database::backupDaily(const QDate &today, QString *error)
     };
     if (!isOpen() || g_path.isEmpty())
         return fail(QStringLiteral("no database open"));
+    if (g_onServer)
+        return fail(QStringLiteral("the server keeps its own backups"));
     QDir folder(QFileInfo(g_path).absolutePath());
     if (!folder.mkpath(QStringLiteral("backup")) || !folder.cd(QStringLiteral("backup")))
         return fail(QStringLiteral("cannot make the backup folder"));
@@ -331,6 +435,7 @@ void Database::close()
     }
     QSqlDatabase::removeDatabase(QLatin1String(ConnectionName));
     g_path.clear();
+    g_onServer = false;
 }
 
 bool Database::isOpen()

@@ -9,6 +9,7 @@
 #include "platform/Prompter.h"
 #include "platform/VbError.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -59,8 +60,51 @@ qint32 toLong(const QVariant &v)
 // The engine's description, and for a busy or damaged file what the shop should do about it.
 QString described(const QSqlError &e)
 {
-    const QString meaning = Database::explain(e.nativeErrorCode().toInt(), QString());
+    const QString meaning = Database::explain(e);
     return meaning.isEmpty() ? e.text() : e.text() + QLatin1Char('\n') + meaning;
+}
+
+bool runOnConnection(const QString &statement, QSqlError *failure = nullptr)
+{
+    QSqlQuery q(Database::connection());
+    if (q.exec(statement))
+        return true;
+    if (failure)
+        *failure = q.lastError();
+    return false;
+}
+
+// On the server a failed statement spoils its whole transaction, while on the file it fails
+// alone and the save goes on (or rolls back) as the caller decides. Inside a transaction each
+// statement is therefore its own savepoint there.
+bool execStatement(QSqlQuery &q, const QString &engineSql)
+{
+    const bool guarded = Conn.inTransaction() && Database::target() == JetDialect::Target::PostgreSQL;
+    if (guarded && !runOnConnection(QStringLiteral("SAVEPOINT statement")))
+        return q.exec(engineSql);
+    const bool ok = q.exec(engineSql);
+    if (guarded)
+        runOnConnection(ok ? QStringLiteral("RELEASE SAVEPOINT statement") : QStringLiteral("ROLLBACK TO SAVEPOINT statement"));
+    return ok;
+}
+
+// The server hands dates back as dates; the windows read them as the file keeps them: ISO
+// text, with the time only where there is one.
+QVariant asStored(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QDateTime: {
+        const QDateTime when = value.toDateTime();
+        if (when.isNull())
+            return value;
+        return when.time() == QTime(0, 0) ? when.date().toString(Qt::ISODate)
+                                          : when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    }
+    case QMetaType::QDate:
+        return value.isNull() ? value : QVariant(value.toDate().toString(Qt::ISODate));
+    default:
+        return value;
+    }
 }
 
 // Runs an engine statement and keeps all its rows; nullptr with the engine's text in *error.
@@ -71,8 +115,10 @@ RecordsetPtr snapshot(const QString &engineSql, QString *error)
     if (RecordsetPtr rs = SqliteSnapshot::open(Database::connection(), engineSql, singleTable(engineSql)))
         return rs;
     QSqlQuery q(Database::connection());
-    q.setForwardOnly(true);
-    if (!q.exec(engineSql)) {
+    // Read forward only, the server would hand the rows over one by one, and the savepoint
+    // released after the statement would discard those not yet read.
+    q.setForwardOnly(Database::target() == JetDialect::Target::SQLite);
+    if (!execStatement(q, engineSql)) {
         *error = described(q.lastError());
         return nullptr;
     }
@@ -84,7 +130,7 @@ RecordsetPtr snapshot(const QString &engineSql, QString *error)
     while (q.next()) {
         Recordset::Row row(fields.size());
         for (int i = 0; i < fields.size(); ++i)
-            row[i] = q.value(i);
+            row[i] = asStored(q.value(i));
         rows.append(std::move(row));
     }
     return std::make_shared<Recordset>(fields, std::move(rows), singleTable(engineSql), Database::connection());
@@ -140,30 +186,28 @@ bool Gateway::prepareStatement(const QString &sql, QString *engineSql, QString *
         plain.append(value);
         i = end;
     }
-    *engineSql = JetDialect::translate(plain, JetDialect::Target::SQLite);
+    *engineSql = JetDialect::translate(plain, Database::target());
     return true;
 }
 
-namespace {
-bool runOnConnection(const char *statement, QSqlError *failure = nullptr)
-{
-    QSqlQuery q(Database::connection());
-    if (q.exec(QLatin1String(statement)))
-        return true;
-    if (failure)
-        *failure = q.lastError();
-    return false;
-}
-}
-
-// IMMEDIATE takes the write lock at once, so a second workstation saving at the same moment
-// waits out the busy timeout here instead of failing half way through its save.
+// The write is taken at once, so a second workstation saving at the same moment waits out
+// the busy timeout here instead of failing half way through its save.
 bool Connection::BeginTrans()
 {
     if (m_inTransaction)
         return false; // the engine has no nested transactions
     QSqlError failure;
-    m_inTransaction = runOnConnection("BEGIN IMMEDIATE", &failure);
+    const QStringList begin = Database::beginStatements();
+    bool ok = true;
+    for (const QString &statement : begin) {
+        ok = runOnConnection(statement, &failure);
+        if (!ok) {
+            if (statement != begin.first())
+                runOnConnection(QStringLiteral("ROLLBACK"));
+            break;
+        }
+    }
+    m_inTransaction = ok;
     if (!m_inTransaction)
         Msg::error(UpdateFailed + described(failure), ErrorTitle);
     return m_inTransaction;
@@ -178,11 +222,11 @@ bool Connection::CommitTrans()
     if (!open)
         return false;
     QSqlError failure;
-    if (runOnConnection("COMMIT", &failure))
+    if (runOnConnection(QStringLiteral("COMMIT"), &failure))
         return true;
     // A full disk or a lost file says so before the caller's own "not saved".
     Msg::error(UpdateFailed + described(failure), ErrorTitle);
-    runOnConnection("ROLLBACK"); // a refused commit may leave the transaction open
+    runOnConnection(QStringLiteral("ROLLBACK")); // a refused commit may leave the transaction open
     return false;
 }
 
@@ -190,7 +234,7 @@ bool Connection::RollbackTrans()
 {
     const bool open = m_inTransaction;
     m_inTransaction = false;
-    return open && runOnConnection("ROLLBACK");
+    return open && runOnConnection(QStringLiteral("ROLLBACK"));
 }
 
 Transaction::Transaction(Connection &conn) : m_conn(conn), m_begun(conn.BeginTrans()) {}
@@ -216,6 +260,14 @@ bool Transaction::rollback()
 void OpenDatabase()
 {
     QString error;
+    // A connection file beside the program puts the shop on its server.
+    if (QFileInfo::exists(Database::serverFilePath())) {
+        Database::Server server;
+        if (!Database::readServerFile(Database::serverFilePath(), &server, &error)
+            || !Database::openServer(server, &error))
+            throw VbError(-2147467259, error);
+        return;
+    }
     if (!Database::open(Database::defaultPath(), &error))
         throw VbError(-2147467259, error);
     // The first start of a day keeps a copy of the shop; a copy that cannot be made (a full
@@ -223,28 +275,12 @@ void OpenDatabase()
     Database::backupDaily(Clock::today());
 }
 
-namespace {
-// A whole table set to one value ("update Store set FinishFlag='1'" at every closing) leaves
-// the rows that already hold it alone, so a closing rewrites a day's vouchers rather than
-// ten years of them. What is stored afterwards is the same.
-QString sparingUnchanged(const QString &engineSql)
-{
-    static const QRegularExpression wholeTable(
-        QStringLiteral(R"(^\s*update\s+[A-Za-z_]\w*\s+set\s+([A-Za-z_]\w*)\s*=\s*('[^']*'|-?\d+(\.\d+)?)\s*$)"),
-        QRegularExpression::CaseInsensitiveOption);
-    const auto m = wholeTable.match(engineSql);
-    if (!m.hasMatch())
-        return engineSql;
-    return engineSql.trimmed() + QStringLiteral(" WHERE ") + m.captured(1) + QStringLiteral(" IS NOT ") + m.captured(2);
-}
-}
-
 bool ExecuteSql(const QString &sql)
 {
     QString engineSql, error;
     if (Gateway::prepareStatement(sql, &engineSql, &error)) {
         QSqlQuery q(Database::connection());
-        if (q.exec(sparingUnchanged(engineSql)))
+        if (execStatement(q, JetDialect::spareUnchanged(engineSql, Database::target())))
             return true;
         error = described(q.lastError());
     }

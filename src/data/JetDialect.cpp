@@ -1,6 +1,7 @@
 #include "JetDialect.h"
 
 #include <QDate>
+#include <QRegularExpression>
 #include <QTime>
 #include <vector>
 
@@ -22,7 +23,8 @@
 // - & joins texts. It binds looser than + - * / and tighter than comparisons, while SQLite's
 //   || binds tighter than everything, so each side of a chain stands inside a function call:
 //   a+b & 'x' becomes IFNULL(a+b,'') || 'x'. IFNULL also gives the classic handling of a
-//   missing value, which joins as the empty text. PostgreSQL gets concat(a+b, 'x').
+//   missing value, which joins as the empty text. PostgreSQL gets concat(a+b, 'x') COLLATE "C",
+//   which sorts as the file does.
 // - Year(x), Month(x), Day(x), in any letter case, give whole numbers: 11, not "11" or "03".
 // - -- and /* start comments in the engines but not in the classic dialect; they are split
 //   (a--b is a minus minus b) so that no part of a statement can be cut off.
@@ -506,8 +508,9 @@ void Translator::flush(QString &out, std::vector<Item> &items, size_t from, size
         firstOperand = false;
         first = i + 1;
     }
+    // The server would sort the joined text by its own language; the file sorts by code point.
     if (pg)
-        out += QLatin1Char(')') + tail;
+        out += QStringLiteral(") COLLATE \"C\"") + tail;
 }
 
 } // namespace
@@ -521,4 +524,16 @@ bool JetDialect::isDate(QStringView text)
 {
     bool withTime = false;
     return readDate(text, &withTime).isValid();
+}
+
+QString JetDialect::spareUnchanged(const QString &engineSql, Target target)
+{
+    static const QRegularExpression wholeTable(
+        QStringLiteral(R"(^\s*update\s+[A-Za-z_]\w*\s+set\s+([A-Za-z_]\w*)\s*=\s*('[^']*'|-?\d+(\.\d+)?)\s*$)"),
+        QRegularExpression::CaseInsensitiveOption);
+    const auto m = wholeTable.match(engineSql);
+    if (!m.hasMatch())
+        return engineSql;
+    const QString differs = target == Target::PostgreSQL ? QStringLiteral(" IS DISTINCT FROM ") : QStringLiteral(" IS NOT ");
+    return engineSql.trimmed() + QStringLiteral(" WHERE ") + m.captured(1) + differs + m.captured(2);
 }

@@ -48,7 +48,7 @@ int TicketSaver::run(const QString &file, int tickets, const QString &remarkPref
     FailingPrompter prompter;
     Prompter::install(&prompter);
     QString error;
-    if (!Database::open(file, &error)) {
+    if (!Database::openPath(file, &error)) {
         std::fprintf(stderr, "%s\n", qPrintable(error));
         return 2;
     }
