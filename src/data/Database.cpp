@@ -251,7 +251,10 @@ bool Database::openServer(const Server &server, QString *error)
     db.setPassword(server.password);
     db.setConnectOptions(QStringLiteral("connect_timeout=10;application_name=Tarvik"));
     if (!db.open())
-        return fail(db, db.lastError().text());
+        return fail(db, QStringLiteral("连接不上。请检查服务器是否开着、网络是否通，以及程序旁边 %1 里的地址、端口、"
+                                       "用户和密码。\n")
+                            .arg(QLatin1String(ServerFileName))
+                        + db.lastError().text());
     QString failure;
     // A write waits for another workstation's as long as on the file, then fails with the
     // busy message rather than hang.

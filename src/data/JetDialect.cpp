@@ -23,7 +23,7 @@
 // - & joins texts. It binds looser than + - * / and tighter than comparisons, while SQLite's
 //   || binds tighter than everything, so each side of a chain stands inside a function call:
 //   a+b & 'x' becomes IFNULL(a+b,'') || 'x'. IFNULL also gives the classic handling of a
-//   missing value, which joins as the empty text. PostgreSQL gets concat(a+b, 'x') COLLATE "C",
+//   missing value, which joins as the empty text. PostgreSQL gets concat(a+b, 'x') COLLATE ucs_basic,
 //   which sorts as the file does.
 // - Year(x), Month(x), Day(x), in any letter case, give whole numbers: 11, not "11" or "03".
 // - -- and /* start comments in the engines but not in the classic dialect; they are split
@@ -510,7 +510,7 @@ void Translator::flush(QString &out, std::vector<Item> &items, size_t from, size
     }
     // The server would sort the joined text by its own language; the file sorts by code point.
     if (pg)
-        out += QStringLiteral(") COLLATE \"C\"") + tail;
+        out += QStringLiteral(") COLLATE ucs_basic") + tail;
 }
 
 } // namespace

@@ -84,7 +84,7 @@ private slots:
             "a=DATE '2026-11-05' or b<TIMESTAMP '2026-11-05 15:04:00'", Target::PostgreSQL);
         row("pg bad date", "a=#2026-2-30#", "a=DATE 'unreadable #2026-2-30#'", Target::PostgreSQL);
         row("pg month key", "Year(d) & '年' & Month(d) &'月'",
-            "concat(CAST(EXTRACT(YEAR FROM d) AS INTEGER), '年', CAST(EXTRACT(MONTH FROM d) AS INTEGER), '月') COLLATE \"C\"",
+            "concat(CAST(EXTRACT(YEAR FROM d) AS INTEGER), '年', CAST(EXTRACT(MONTH FROM d) AS INTEGER), '月') COLLATE ucs_basic",
             Target::PostgreSQL);
         row("pg like", "a Like '%like%'", "a ILIKE '%like%'", Target::PostgreSQL);
     }

@@ -84,8 +84,9 @@ struct Step {
 
 QString d(const char *date) { return QLatin1Char('#') + Sql::date(QString::fromUtf8(date)) + QLatin1Char('#'); }
 
-// A shop of two stations, five customers, bottled goods and their bottles, tickets over
-// two years in every state, hand-made vouchers and calls, all written in the windows' words.
+// A shop of two stations, six customers (names in both letter cases, which sort without
+// regard to case), bottled goods and their bottles, tickets over two years in every state,
+// hand-made vouchers and calls, all written in the windows' words.
 const QList<Step> &steps()
 {
     static const QList<Step> all = {
@@ -107,7 +108,8 @@ const QList<Step> &steps()
                                               {"李四", "人民路22号", "0571-2", "1", "1"},
                                               {"Wang", "Renmin Road 5", "0571-3", "1", "2"},
                                               {"", "解放路8号", "0571-4", "0", "1"},
-                                              {"赵六", "解放路9号", "0571-5", "1", "2"}};
+                                              {"赵六", "解放路9号", "0571-5", "1", "2"},
+                                              {"li", "li street 2", "0571-6", "1", "1"}};
              for (const auto &p : people)
                  out += exec(QStringLiteral("insert into Customer(Account,Phone,Address,Name,Detail,CreateDate,CustType,"
                                             "Status,StationID) values (0,'%1','%2','%3','',%4,1,'%5',%6)")
