@@ -283,38 +283,32 @@ private slots:
     // user says yes.
     void deleteData_data()
     {
-        QTest::addColumn<QString>("handInput"); // empty: no voucher
-        QTest::addColumn<QString>("finish");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QMessageBox::Icon>("icon");
+        QTest::addColumn<QString>("state");   // HandInput and FinishFlag of voucher P4; empty: no voucher
+        QTest::addColumn<QString>("message"); // its title and icon, then its text
         QTest::addColumn<QMessageBox::StandardButton>("answer");
         QTest::addColumn<int>("left");
-        const QString ask = QStringLiteral("你确认要删除原始单据号为P4的单据吗？");
-        const auto info = QMessageBox::Information;
-        const auto ok = QMessageBox::Ok;
-        QTest::newRow("nothing chosen") << "" << "" << "请先选定您要删除或作废的单据！" << "提示" << info << ok << 0;
-        QTest::newRow("generated") << "0" << "0" << "此单据由系统所生成，不能直接由手工删除或禁用！" << "失败"
-                                   << QMessageBox::Critical << ok << 1;
-        QTest::newRow("closed") << "1" << "1" << "此单据已被审核入帐，不能再删除！" << "提示" << info << ok << 1;
-        QTest::newRow("answered no") << "1" << "0" << ask << "删除单据" << QMessageBox::Question << QMessageBox::No << 1;
-        QTest::newRow("answered yes") << "1" << "0" << ask << "删除单据" << QMessageBox::Question << QMessageBox::Yes << 0;
+        const QString ask = QStringLiteral("删除单据|Question|你确认要删除原始单据号为P4的单据吗？");
+        QTest::newRow("nothing chosen") << "" << "提示|Information|请先选定您要删除或作废的单据！" << QMessageBox::Ok << 0;
+        QTest::newRow("generated") << "00" << "失败|Critical|此单据由系统所生成，不能直接由手工删除或禁用！" << QMessageBox::Ok << 1;
+        QTest::newRow("closed") << "11" << "提示|Information|此单据已被审核入帐，不能再删除！" << QMessageBox::Ok << 1;
+        QTest::newRow("answered no") << "10" << ask << QMessageBox::No << 1;
+        QTest::newRow("answered yes") << "10" << ask << QMessageBox::Yes << 0;
     }
     void deleteData()
     {
-        QFETCH(QString, handInput);
-        QFETCH(QString, finish);
+        QFETCH(QString, state);
         QFETCH(QString, message);
-        QFETCH(QMessageBox::StandardButton, answer);
         QFETCH(int, left);
-        if (!handInput.isEmpty())
-            store(*db, {4, 2, 20, "0", handInput, finish, 2});
+        if (!state.isEmpty())
+            store(*db, {4, 2, 20, "0", state.left(1), state.mid(1), 2});
         frmStoreAdmin *w = list();
-        prompts->expect(message, answer);
+        QFETCH(QMessageBox::StandardButton, answer);
+        prompts->expect(message.section(u'|', 2), answer);
         w->DeleteData();
         VERIFY_PROMPTS(*prompts);
-        QTEST(prompts->last().title, "title");
-        QTEST(prompts->last().icon, "icon");
+        const auto &shown = prompts->last();
+        QCOMPARE(shown.title + u'|' + QMetaEnum::fromType<QMessageBox::Icon>().valueToKey(shown.icon) + u'|' + shown.text,
+                 message);
         QCOMPARE(db->count("Store") * 10 + db->count("Store_detail"), left * 12);
         QCOMPARE(w->dbgMain->model()->rowCount(), left);
     }
