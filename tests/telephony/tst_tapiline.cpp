@@ -30,13 +30,10 @@ private slots:
         QTest::addColumn<qint64>("code");
         QTest::addColumn<QString>("text");
         QTest::newRow("first") << qint64(0x80000001) << "Allocated";
-        QTest::newRow("before gap 4") << qint64(0x80000003) << "Bearer Mode Unavail";
         QTest::newRow("gap 4") << qint64(0x80000004) << "Unknown Error";
         QTest::newRow("after gap 4") << qint64(0x80000005) << "Call UnAvail";
-        QTest::newRow("before dial params") << qint64(0x80000024) << "Invalid Device Handle";
         QTest::newRow("dial params") << qint64(0x80000025) << "Unknown Error";
         QTest::newRow("after dial params") << qint64(0x80000026) << "Invalid Digit List";
-        QTest::newRow("before gap 31") << qint64(0x80000030) << "Invalid Message ID";
         QTest::newRow("gap 31") << qint64(0x80000031) << "Unknown Error";
         QTest::newRow("after gap 31") << qint64(0x80000032) << "Invalid Param";
         QTest::newRow("last") << qint64(0x80000056) << "No Multiple Instance";
