@@ -7,8 +7,6 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QtTest>
-#include <atomic>
-#include <thread>
 
 // The gateway is where every window meets the database: its messages, its silences, and
 // its refusal to let a typed quote change what a statement does.
@@ -16,6 +14,14 @@ class TestGateway : public QObject {
     Q_OBJECT
     std::unique_ptr<TestDb> db;
     std::unique_ptr<ScriptedPrompter> prompts;
+
+    // A statement that is meant to fail says so with the gateway's message of its kind.
+    bool failing(bool fails, bool read, const QString &sql)
+    {
+        if (fails)
+            expectFailed(*prompts, read ? Failed::Read : Failed::Update);
+        return read ? bool(OpenRecordset(sql)) : ExecuteSql(sql);
+    }
 
 private slots:
     void init()
@@ -34,18 +40,16 @@ private slots:
     void creationMakesTablesAndDefaultRowsOnce()
     {
         const QStringList tables = Database::connection().tables();
-        for (const char *t : {"Sale", "Sale_detail", "Store", "Store_detail", "Customer", "Product",
-                              "Sender", "Station", "SysUser", "SysValue", "Call"})
+        for (const char *t : {"Sale", "Sale_detail", "Store", "Store_detail", "Customer", "Product", "Sender",
+                              "Station", "SysUser", "SysValue", "Call"})
             QVERIFY2(tables.contains(QLatin1String(t), Qt::CaseInsensitive), t);
         QCOMPARE(db->scalar("SELECT Name FROM SysUser WHERE rolestring='11111111' AND Pwd=''").toString(),
                  QStringLiteral("管理员"));
         QCOMPARE(db->count("Station", "ID=1"), 1);
         QCOMPARE(db->scalar("PRAGMA journal_mode").toString(), QStringLiteral("wal"));
+        QCOMPARE(db->count("sqlite_master", "name='sqlite_stat1'"), 1); // the planner's statistics from the start
         // A new shop starts with self-refreshing lists and the address search on.
-        QCOMPARE(GetSysValue("AutoDataRefresh"), QStringLiteral("1"));
-        QCOMPARE(GetSysValue("SearchAddress"), QStringLiteral("1"));
-        // The planner has statistics from the first start on.
-        QCOMPARE(db->count("sqlite_master", "name='sqlite_stat1'"), 1);
+        QCOMPARE(GetSysValue("AutoDataRefresh") + GetSysValue("SearchAddress"), QStringLiteral("11"));
         QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(7,'Main Street 5','1')"));
         Database::close();
         QVERIFY(Database::open(db->path()));
@@ -85,16 +89,11 @@ private slots:
     void wholeTableUpdateEndsTheSame()
     {
         QFETCH(QString, sql);
-        QFETCH(QString, flags);
         QVERIFY(db->exec("INSERT INTO Store(ID,FinishFlag,Direction) VALUES (1,'0','0'),(2,NULL,'0'),(3,'1','1'),(4,'1',NULL)"));
         QVERIFY(ExecuteSql(sql));
-        QSqlQuery q(Database::connection());
-        QVERIFY(q.exec(sql.contains("Direction") ? "SELECT ifnull(Direction,'-') FROM Store ORDER BY ID"
-                                                 : "SELECT ifnull(FinishFlag,'-') FROM Store ORDER BY ID"));
-        QStringList seen;
-        while (q.next())
-            seen << q.value(0).toString();
-        QCOMPARE(seen.join(' '), flags);
+        const QString column = sql.contains("Direction") ? "Direction" : "FinishFlag";
+        QTEST(db->scalar("SELECT group_concat(ifnull(" + column + ",'-'), ' ') FROM (SELECT * FROM Store ORDER BY ID)")
+                  .toString(), "flags");
     }
 
     void failureMessages_data()
@@ -109,14 +108,12 @@ private slots:
     {
         QFETCH(bool, read);
         QFETCH(QString, sql);
-        const QString prefix = read ? Failed::Read : Failed::Update;
-        expectFailed(*prompts, prefix);
-        QVERIFY(read ? !OpenRecordset(sql) : !ExecuteSql(sql));
+        QVERIFY(!failing(true, read, sql));
         const auto &shown = prompts->last();
         QCOMPARE(shown.title, QStringLiteral("系统错误"));
         QCOMPARE(shown.icon, QMessageBox::Critical);
         QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-        QVERIFY2(shown.text.size() > prefix.size(), "the engine's description follows the text");
+        QVERIFY2(shown.text.size() > (read ? Failed::Read : Failed::Update).size(), "the engine's description follows");
     }
 
     // A value typed with a quote must end in the gateway's failure and change nothing, however
@@ -136,15 +133,12 @@ private slots:
         QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(1,'Hill Road 1','1')"));
         const QString users = "SELECT group_concat(Name||Pwd||rolestring, '|') FROM SysUser";
         const QString before = db->scalar(users).toString();
-        expectFailed(*prompts, Failed::Update);
-        QVERIFY(!ExecuteSql("update sysuser set pwd='" + Sql::text(value) + "' where ID=2"));
+        QVERIFY(!failing(true, false, "update sysuser set pwd='" + Sql::text(value) + "' where ID=2"));
         if (!value.contains(Sql::TextClose))
             QVERIFY2(prompts->last().text.contains("'" + value + "'"), qPrintable(prompts->last().text));
-        expectFailed(*prompts, Failed::Update);
-        QVERIFY(!ExecuteSql("insert into SysUser(Name,Pwd,rolestring,Status) values('" + Sql::text(value)
-                            + "','','00000000','1')"));
-        expectFailed(*prompts, Failed::Read);
-        QVERIFY(!OpenRecordset("Select * from Customer where Status='1' AND  Address Like '%" + Sql::text(value) + "%'"));
+        QVERIFY(!failing(true, false, "insert into SysUser(Name,Pwd,rolestring,Status) values('" + Sql::text(value)
+                                          + "','','00000000','1')"));
+        QVERIFY(!failing(true, true, "Select * from Customer where Status='1' AND  Address Like '%" + Sql::text(value) + "%'"));
         QCOMPARE(db->scalar(users).toString(), before);
         QCOMPARE(db->count("SysUser"), 2);
         QCOMPARE(db->count("Customer"), 1);
@@ -158,7 +152,6 @@ private slots:
         QTest::newRow("blanks around") << " 12 " << true;
         QTest::newRow("always true") << "1 or 1=1" << false;
         QTest::newRow("empty") << "" << false;
-        QTest::newRow("subquery") << "(select max(ID) from SysUser)" << false;
         QTest::newRow("beyond any number") << "1e999" << false;
     }
     void typedNumberMustBeANumber()
@@ -196,30 +189,22 @@ private slots:
         QFETCH(QString, stored);
         QVERIFY(db->exec("INSERT INTO Sale(ID,CustomerID,CreateDate,FinishFlag) VALUES"
                          "(1,1,'2025-12-31','0'),(2,2,'2026-01-10','0')"));
-        const bool accepted = !stored.isEmpty();
+        const bool refused = stored.isEmpty();
         const QString d = "#" + Sql::date(typed) + "#";
-        if (!accepted)
-            expectFailed(*prompts, Failed::Update);
-        QCOMPARE(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(3," + d + ",'0')"), accepted);
-        if (!accepted)
-            expectFailed(*prompts, Failed::Update);
-        QCOMPARE(ExecuteSql("update Sale set CreateDate=" + d + " where ID=1"), accepted);
-        if (!accepted)
-            expectFailed(*prompts, Failed::Read);
-        RecordsetPtr rs = OpenRecordset("select * from Sale where CreateDate<=" + d);
-        QCOMPARE(bool(rs), accepted);
-        if (!accepted)
+        QCOMPARE(failing(refused, false, "insert into Sale(CustomerID,CreateDate,FinishFlag) values(3," + d + ",'0')"), !refused);
+        QCOMPARE(failing(refused, false, "update Sale set CreateDate=" + d + " where ID=1"), !refused);
+        if (refused) {
+            QVERIFY(!failing(true, true, "select * from Sale where CreateDate<=" + d));
             QVERIFY2(prompts->last().text.contains("'" + typed + "'"), qPrintable(prompts->last().text));
-        if (!accepted)
-            expectFailed(*prompts, Failed::Update);
-        QCOMPARE(ExecuteSql("delete from Sale where FinishFlag='0' And CreateDate<=" + d), accepted);
-        const QString dates = db->scalar("SELECT group_concat(CreateDate, '|') FROM Sale ORDER BY ID").toString();
-        if (accepted) {
-            QCOMPARE(rs->recordCount(), 2); // the updated and the inserted ticket
-            QCOMPARE(dates, QStringLiteral("2026-01-10"));
         } else {
-            QCOMPARE(dates, QStringLiteral("2025-12-31|2026-01-10"));
+            RecordsetPtr rs = OpenRecordset("select * from Sale where CreateDate<=" + d);
+            QVERIFY(rs);
+            QCOMPARE(rs->recordCount(), 2); // the updated and the inserted ticket
+            QCOMPARE(db->scalar("SELECT CreateDate FROM Sale WHERE ID=1").toString(), stored);
         }
+        QCOMPARE(failing(refused, false, "delete from Sale where FinishFlag='0' And CreateDate<=" + d), !refused);
+        QCOMPARE(db->scalar("SELECT group_concat(CreateDate, '|') FROM Sale ORDER BY ID").toString(),
+                 refused ? QStringLiteral("2025-12-31|2026-01-10") : QStringLiteral("2026-01-10"));
     }
 
     void sysValues()
@@ -249,8 +234,7 @@ private slots:
         QCOMPARE(GetSumValue("Sale", " where CreateDate=#11/22/2026#", "TotalMoney"), 2);
         QCOMPARE(GetMinValue("Sale", "TotalMoney"), 2);
         QCOMPARE(GetFieldByID(1, "SysUser", "Name"), QStringLiteral("管理员"));
-        QCOMPARE(GetFieldByID(99, "SysUser", "Name"), QString());
-        QCOMPARE(GetFieldByID(1, "SysUser", "NoSuchColumn"), QString());
+        QCOMPARE(GetFieldByID(99, "SysUser", "Name") + GetFieldByID(1, "SysUser", "NoSuchColumn"), QString());
     }
 
     void checkUnique_data()
@@ -274,11 +258,10 @@ private slots:
         QFETCH(QString, value);
         QFETCH(int, kind);
         QFETCH(int, currentID);
-        QFETCH(bool, unique);
         QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Status) VALUES(5,'Hill Road 1','1'),(8,'Vale 2','1')"));
         if (kind == 2) // no statement is built: the empty statement fails like a failed lookup
             expectFailed(*prompts, Failed::Read);
-        QCOMPARE(CheckUnique("Customer", field, value, kind, currentID), unique);
+        QTEST(CheckUnique("Customer", field, value, kind, currentID), "unique");
     }
 
     void customerByAccount()
@@ -312,8 +295,6 @@ private slots:
     void transactions()
     {
         QFETCH(QString, ending);
-        QFETCH(bool, committed);
-        QFETCH(int, rowsKept);
         QVERIFY(db->exec("CREATE TABLE Parent(ID INTEGER PRIMARY KEY)"));
         QVERIFY(db->exec("CREATE TABLE Child(ParentID INTEGER REFERENCES Parent(ID) DEFERRABLE INITIALLY DEFERRED)"));
         QVERIFY(db->exec("PRAGMA foreign_keys=ON"));
@@ -330,15 +311,14 @@ private slots:
             QVERIFY(ExecuteSql("insert into Sale(CustomerID,CreateDate,FinishFlag) values(2,#2026-11-23#,'0')"));
             // A refused commit says why before the save reports itself not done.
             if (ending == "refused")
-                prompts->expect(QStringLiteral("更新数据库时出现系统错误，错误信息：FOREIGN KEY constraint failed"),
-                                QMessageBox::Ok, true);
+                prompts->expect(Failed::Update + "FOREIGN KEY constraint failed", QMessageBox::Ok, true);
             if (ending != "none")
                 result = tx.commit();
         }
         QVERIFY(db->exec("PRAGMA foreign_keys=OFF"));
-        QCOMPARE(result, committed);
+        QTEST(result, "committed");
         QVERIFY(!Conn.inTransaction());
-        QCOMPARE(db->count("Sale"), rowsKept);
+        QTEST(db->count("Sale"), "rowsKept");
         // Nothing is left open: the next save can begin.
         Transaction next(Conn);
         QVERIFY(next.begun());
@@ -356,42 +336,11 @@ private slots:
             c.setDatabaseName(db->path());
             c.setConnectOptions("QSQLITE_BUSY_TIMEOUT=0");
             QVERIFY(c.open());
-            QSqlQuery q(c);
-            QVERIFY(!q.exec("BEGIN IMMEDIATE"));
+            QVERIFY(!QSqlQuery(c).exec("BEGIN IMMEDIATE"));
             c.close();
         }
         QSqlDatabase::removeDatabase("other");
         QVERIFY(tx.commit());
-    }
-
-    // Two workstations on one file: a writer holding the file makes the other wait, not fail.
-    void twoConnectionsWaitForEachOther()
-    {
-        std::atomic<bool> holding{false};
-        std::thread other([&] {
-            {
-                QSqlDatabase c = QSqlDatabase::addDatabase("QSQLITE", "other");
-                c.setDatabaseName(db->path());
-                if (c.open()) {
-                    QSqlQuery q(c);
-                    q.exec("BEGIN IMMEDIATE");
-                    q.exec("INSERT INTO Call(PhoneNumber) VALUES('1')");
-                    holding = true;
-                    std::this_thread::sleep_for(std::chrono::milliseconds(600));
-                    q.exec("COMMIT");
-                    c.close();
-                }
-                holding = true;
-            }
-            QSqlDatabase::removeDatabase("other");
-        });
-        while (!holding)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        // Without the wait this fails at once with "database is locked".
-        const bool ok = ExecuteSql("insert into Call(PhoneNumber) values('2')");
-        other.join();
-        QVERIFY(ok);
-        QCOMPARE(db->count("Call"), 2);
     }
 };
 

@@ -29,51 +29,39 @@ struct Statement {
 
 QList<Statement> statements(const QString &source)
 {
-    QList<Statement> out;
-    Statement cur;
+    QList<Statement> out{Statement{{}, {}, 1}};
     int line = 1;
-    cur.line = 1;
-    bool inString = false, inChar = false;
+    QChar quote; // of the literal being read; null outside one
     for (qsizetype i = 0; i < source.size(); ++i) {
         const QChar c = source.at(i);
+        Statement &cur = out.last();
         if (c == u'\n')
             ++line;
-        if (!inString && !inChar && c == u'/' && i + 1 < source.size() && source.at(i + 1) == u'/') {
+        if (quote.isNull() && c == u'/' && i + 1 < source.size() && source.at(i + 1) == u'/') {
             while (i < source.size() && source.at(i) != u'\n')
                 ++i;
             ++line;
             cur.code += u'\n';
-            continue;
-        }
-        if (inString || inChar) {
+        } else if (!quote.isNull()) {
             cur.code += c;
-            if (inString)
+            if (quote == u'"')
                 cur.literals += c;
             if (c == u'\\' && i + 1 < source.size()) {
                 cur.code += source.at(++i);
-                continue;
-            }
-            if ((inString && c == u'"') || (inChar && c == u'\'')) {
-                inString = inChar = false;
+            } else if (c == quote) {
+                quote = QChar();
                 cur.literals += u' ';
             }
-            continue;
+        } else if (c == u';' || c == u'{' || c == u'}') {
+            out.append(Statement{{}, {}, line});
+        } else {
+            if (c == u'"' || c == u'\'')
+                quote = c;
+            if (cur.code.trimmed().isEmpty())
+                cur.line = line;
+            cur.code += c;
         }
-        if (c == u'"')
-            inString = true;
-        else if (c == u'\'')
-            inChar = true;
-        if (c == u';' || c == u'{' || c == u'}') {
-            out.append(cur);
-            cur = Statement();
-            cur.line = line;
-            continue;
-        }
-        if (cur.code.trimmed().isEmpty())
-            cur.line = line;
-        cur.code += c;
     }
-    out.append(cur);
     return out;
 }
 
@@ -147,9 +135,7 @@ private slots:
     void planted()
     {
         QFETCH(QString, source);
-        QFETCH(int, unmarked);
-        const QStringList found = findings(QStringLiteral("planted.cpp"), source);
-        QCOMPARE(found.size(), unmarked);
+        QTEST(int(findings(QStringLiteral("planted.cpp"), source).size()), "unmarked");
     }
 
     void sourceTree()

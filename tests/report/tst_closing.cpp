@@ -258,8 +258,7 @@ private slots:
         m_db.reset(); // a shop of its own, without the rows of init()
         m_db = std::make_unique<TestDb>();
         ShopGenerator::Size size;
-        size.days = 4;
-        size.openDays = 4;
+        size.days = size.openDays = 4;
         size.ticketsPerDay = 100;
         size.customers = 50;
         size.products = 8;
@@ -268,20 +267,16 @@ private slots:
         QVERIFY2(ShopGenerator::fill(size, &error), qPrintable(error));
         Database::close();
         const QString original = m_db->path();
-        auto fingerprint = [](const QString &file) {
+        // The file's soundness and what it holds of tickets, vouchers and their lines.
+        auto fingerprint = [this](const QString &file) {
             QString error;
             if (!Database::open(file, &error))
                 return "cannot open: " + error;
-            QSqlQuery q(Database::connection());
-            q.exec("PRAGMA integrity_check");
-            q.next();
-            QString print = q.value(0).toString();
-            q.exec("SELECT (SELECT count(*) FROM Sale), (SELECT count(*) FROM Sale_detail), (SELECT count(*) FROM Store),"
-                   "(SELECT count(*) FROM Store_detail), (SELECT count(*) FROM Sale WHERE FinishFlag='1'),"
-                   "(SELECT count(*) FROM Store WHERE FinishFlag='1'), (SELECT total(MyAmount) FROM Store_detail)");
-            q.next();
-            for (int i = 0; i < 7; ++i)
-                print += ' ' + q.value(i).toString();
+            const QString print = m_db->scalar("PRAGMA integrity_check").toString() + ' '
+                + m_db->scalar("SELECT (SELECT count(*) FROM Sale)||' '||(SELECT count(*) FROM Sale_detail)||' '||"
+                               "(SELECT count(*) FROM Store)||' '||(SELECT count(*) FROM Store_detail)||' '||"
+                               "(SELECT count(*) FROM Sale WHERE FinishFlag='1')||' '||(SELECT count(*) FROM Store "
+                               "WHERE FinishFlag='1')||' '||(SELECT total(MyAmount) FROM Store_detail)").toString();
             Database::close();
             return print;
         };

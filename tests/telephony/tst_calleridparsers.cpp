@@ -76,14 +76,13 @@ private slots:
     void modem()
     {
         QFETCH(QByteArray, session);
-        QFETCH(QString, events);
         // Bytes arrive in pieces: the parser must not depend on where the port cut them.
         for (int piece : {1, 3, 64}) {
             ModemCallerIdParser parser;
             QList<ModemCallerIdParser::Event> got;
             for (qsizetype i = 0; i < session.size(); i += piece)
                 got += parser.feed(session.mid(i, piece));
-            QCOMPARE(modemEvents(got), events);
+            QTEST(modemEvents(got), "events");
         }
     }
 
@@ -125,7 +124,6 @@ private slots:
     void ncid()
     {
         QFETCH(QByteArray, session);
-        QFETCH(QString, events);
         NcidLineParser parser;
         QStringList got;
         for (qsizetype i = 0; i < session.size(); i += 5) {
@@ -138,7 +136,7 @@ private slots:
                     got << QStringLiteral("CID %1/%2/%3").arg(e.info.number, e.info.name).arg(e.info.numberFlags);
             }
         }
-        QCOMPARE(got.join(u','), events);
+        QTEST(got.join(u','), "events");
     }
 };
 

@@ -17,7 +17,6 @@
 
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
@@ -100,6 +99,15 @@ class CallerIdRoadTest : public QObject {
         QVERIFY(m.line->OpenLine(4, 16));
     }
 
+    // The ticket window open for a new ticket, as the caller-ID reaction expects it.
+    static QWidget *newTicket()
+    {
+        QWidget *sale = Forms::get(QStringLiteral("frmSale"));
+        sale->setProperty("mActionType", 1);
+        sale->show();
+        return sale;
+    }
+
 private slots:
     void initTestCase()
     {
@@ -116,10 +124,12 @@ private slots:
     }
     void cleanup()
     {
+        const QStringList problems = prompts->problems(); // no message unless a case expects one
         Forms::unloadAll();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         prompts.reset();
         db.reset();
+        QVERIFY2(problems.isEmpty(), qPrintable(problems.join(u'\n')));
     }
 
     // Sample sessions of a modem: how it answers the caller-ID commands, then one call.
@@ -147,7 +157,6 @@ private slots:
     {
         QFETCH(QByteArrayList, replies);
         QFETCH(QByteArray, call);
-        QFETCH(QStringList, raised);
         ModemLine m;
         openModemLine(m, 200);
         QStringList *seen = record(m.line.get(), this);
@@ -159,8 +168,8 @@ private slots:
         }
         QTRY_COMPARE(m.source->callerIdOn(), replies.last() == "OK");
         m.modem.say(call);
+        QFETCH(QStringList, raised);
         QTRY_COMPARE(*seen, raised);
-        VERIFY_PROMPTS(*prompts);
     }
 
     void modemThatCannotBeOpened()
@@ -170,7 +179,6 @@ private slots:
         QVERIFY(line.Create());
         QVERIFY(!line.OpenLine(4, 16));
         QCOMPARE(line.LastError(), Tapi::LINEERR_RESOURCEUNAVAIL);
-        VERIFY_PROMPTS(*prompts);
     }
 
     // The server's address comes from SysValue; unknown lines and a line cut by a lost
@@ -213,7 +221,6 @@ private slots:
         QTRY_COMPARE(seen->size(), 4);
         QCOMPARE(seen->last(), QStringLiteral("Idle"));
         QVERIFY(line.hLine() != 0);
-        VERIFY_PROMPTS(*prompts);
     }
 
     // The reaction to a number, in both builds, and where it holds back.
@@ -241,11 +248,8 @@ private slots:
         QFETCH(QString, ticket);
         QFETCH(QString, storedNumber);
         QFETCH(QString, account);
-        QFETCH(bool, focusOnLines);
 
-        QWidget *sale = Forms::get(QStringLiteral("frmSale"));
-        sale->setProperty("mActionType", 1);
-        sale->show();
+        QWidget *sale = newTicket();
         sale->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(sale));
         auto *remark = sale->findChild<QPlainTextEdit *>(QStringLiteral("txtDetail"));
@@ -268,28 +272,20 @@ private slots:
         handler.Tapiline_InfoCallerID(number);
 
         QCOMPARE(beeps, reacts ? 1 : 0);
-        if (storedNumber.isEmpty()) {
-            QCOMPARE(db->count("Call"), 0);
-        } else {
-            QCOMPARE(db->count("Call"), 1);
-            QCOMPARE(db->scalar("SELECT PhoneNumber FROM Call").toString(), storedNumber);
-            QCOMPARE(db->scalar("SELECT CreateDate FROM Call").toString(), QStringLiteral("2026-11-23 09:30:00"));
-        }
+        QCOMPARE(db->scalar("SELECT group_concat(PhoneNumber || '@' || CreateDate, '|') FROM Call").toString(),
+                 storedNumber.isEmpty() ? QString() : storedNumber + "@2026-11-23 09:30:00");
         // ResetInput dropped what was on the ticket before the call.
         QCOMPARE(remark->toPlainText().isEmpty(), reacts);
         QCOMPARE(sale->findChild<QLineEdit *>(QStringLiteral("txtCustPhone"))->text(),
                  reacts ? (account.isEmpty() ? number : QStringLiteral("5557777")) : QString());
         QCOMPARE(sale->findChild<QLineEdit *>(QStringLiteral("txtCustAccount"))->text(), account);
-        QCOMPARE(sale->findChild<QWidget *>(QStringLiteral("dbgDetail"))->hasFocus(), focusOnLines);
-        VERIFY_PROMPTS(*prompts);
+        QTEST(sale->findChild<QWidget *>(QStringLiteral("dbgDetail"))->hasFocus(), "focusOnLines");
     }
 
     // A ring on the modem ends as a Call row and the caller on the open ticket.
     void ringToTicket()
     {
-        QWidget *sale = Forms::get(QStringLiteral("frmSale"));
-        sale->setProperty("mActionType", 1);
-        sale->show();
+        QWidget *sale = newTicket();
         ModemLine m;
         openModemLine(m);
         CallerIdHandler handler(false);
@@ -300,7 +296,6 @@ private slots:
         QTRY_COMPARE(db->count("Call", "PhoneNumber='5557777'"), 1);
         QCOMPARE(sale->findChild<QLineEdit *>(QStringLiteral("txtCustAccount"))->text(), QStringLiteral("7"));
         QCOMPARE(sale->findChild<QLineEdit *>(QStringLiteral("txtCustAddress"))->text(), QStringLiteral("西街7号"));
-        VERIFY_PROMPTS(*prompts);
     }
 };
 
