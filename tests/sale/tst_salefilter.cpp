@@ -114,11 +114,9 @@ private slots:
         QTest::newRow("refine appends") << open << QStringList{"chkID"} << 1 << open + " AND Sale.ID=0";
         QTest::newRow("refine twice repeats") << "" << QStringList{"chkID"} << 2
                                               << " AND Sale.ID=0 AND Sale.ID=0";
-        QTest::newRow("refine with nothing keeps") << open << QStringList{} << 1 << open;
         QTest::newRow("all tickets keeps an old flag clause") << open << QStringList{"optFinish_0"} << 1 << open;
         QTest::newRow("new search replaces") << open << QStringList{"optSearchType_1", "chkID"} << 1
                                              << " AND Sale.ID=0";
-        QTest::newRow("new search with nothing clears") << open << QStringList{"optSearchType_1"} << 1 << "";
     }
     void searchType()
     {
