@@ -484,6 +484,7 @@ private slots:
         for (const char *table : {"Customer", "Sale", "Sale_detail"})
             QVERIFY2(db->count(table) == 0, table);
         QVERIFY(!Conn.inTransaction());
+        QVERIFY(Forms::loaded(QStringLiteral("frmSale")));
         QCOMPARE(form->xayDetail()->lineCount(), 1);
         QCOMPARE(texts(form, "txtCustAddress"), QStringLiteral("新村3号"));
         QCOMPARE(::remark(form)->toPlainText(), remark);
