@@ -34,9 +34,7 @@ void ModalScript::run(QWidget *window)
         step.handler(window);
     }
     if (guard && guard->isVisible()) {
-        if (!m_problems.isEmpty() && m_problems.last().startsWith(QLatin1String("unexpected")))
-            ; // already recorded
-        else
+        if (m_problems.isEmpty() || !m_problems.last().startsWith(QLatin1String("unexpected")))
             m_problems << QStringLiteral("modal window %1 was left open").arg(guard->objectName());
         if (auto *dialog = qobject_cast<QDialog *>(guard.data()))
             dialog->reject();

@@ -1,10 +1,6 @@
 #include "ScriptedPrompter.h"
 
-ScriptedPrompter::ScriptedPrompter()
-{
-    m_previous = &Prompter::current();
-    Prompter::install(this);
-}
+ScriptedPrompter::ScriptedPrompter() { Prompter::install(this); }
 
 ScriptedPrompter::~ScriptedPrompter() { Prompter::install(nullptr); }
 
@@ -57,14 +53,6 @@ std::optional<QString> ScriptedPrompter::input(const QString &title, const QStri
         return std::nullopt;
     }
     return m_script.takeFirst().inputAnswer;
-}
-
-QStringList ScriptedPrompter::texts() const
-{
-    QStringList all;
-    for (const Shown &s : m_shown)
-        all << s.text;
-    return all;
 }
 
 QStringList ScriptedPrompter::problems(bool includeUnmet) const

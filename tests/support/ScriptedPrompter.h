@@ -34,7 +34,6 @@ public:
 
     const QList<Shown> &shown() const { return m_shown; }
     const Shown &last() const { return m_shown.last(); }
-    QStringList texts() const;
     // Failures so far: unexpected messages, texts that differ from the script, and (when
     // asked at the end) expectations nobody met.
     QStringList problems(bool includeUnmet = true) const;
@@ -53,7 +52,6 @@ private:
     QList<Expectation> m_script;
     QList<Shown> m_shown;
     QStringList m_problems;
-    Prompter *m_previous = nullptr;
 };
 
 // Shorthand for the end of a test: every scripted message was shown, and no other.

@@ -4,9 +4,7 @@
 
 #include "data/Gateway.h"
 #include "platform/Clock.h"
-#include "platform/Forms.h"
 
-#include <QDialog>
 #include <QTest>
 
 // Tickets written straight into a test database.
@@ -36,28 +34,12 @@ inline void ticket(TestDb &db, const Ticket &t)
 
 inline void autoRefresh(bool on) { SetSysValue(QStringLiteral("AutoDataRefresh"), on ? "1" : "0"); }
 
-// Each case starts on the list's day with a fresh database, customer 1 and automatic refresh.
-inline void begin(std::unique_ptr<TestDb> &db)
+// A list case finds customer 1 and refreshes after the ticket window.
+inline bool arrange(const TestDb &db)
 {
-    Clock::set(QDateTime(Today, QTime(10, 0)));
-    db = std::make_unique<TestDb>();
-    QVERIFY(db->ok());
-    QVERIFY(Rows::customer(*db, 1, QStringLiteral("东大街1号")));
     autoRefresh(true);
+    return Rows::customer(db, 1, QStringLiteral("东大街1号"));
 }
-
-// and lets every window go before its database closes.
-inline void end(std::unique_ptr<TestDb> &db)
-{
-    Forms::unloadAll();
-    Forms::setActiveChildProvider(nullptr);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    db.reset();
-}
-
-// The ticket window and the filter are stood in for by plain dialogs: the list writes
-// mActionType and mCurID as dynamic properties, which the test reads back.
-inline QWidget *standIn() { return new QDialog; }
 }
 
 Q_DECLARE_METATYPE(Fixture::Ticket)

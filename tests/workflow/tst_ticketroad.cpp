@@ -3,69 +3,43 @@
 // the main window routes by name, and printed.
 #include "TicketFixture.h"
 
-#include "support/ModalScript.h"
-#include "support/ScriptedPrompter.h"
+#include "support/Bench.h"
 
 #include "data/Session.h"
 #include "master/CustomerForms.h"
-#include "platform/Forms.h"
 #include "sale/TicketForms.h"
 #include "workflow/WorkflowForms.h"
 #include "workflow/frmSaleAdmin.h"
 
-#include <QComboBox>
-#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QPushButton>
-#include <QTableView>
-#include <QtTest>
 
-namespace {
-void typeText(QWidget *w, const QString &text)
-{
-    for (const QChar ch : text) {
-        QTest::sendKeyEvent(QTest::Press, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-        QTest::sendKeyEvent(QTest::Release, w, Qt::Key_unknown, QString(ch), Qt::NoModifier);
-    }
-}
-
-void keyCell(QWidget *form, int row, int column, const QString &value)
-{
-    auto *grid = form->findChild<QTableView *>(QStringLiteral("dbgDetail"));
-    const QModelIndex cell = grid->model()->index(row, column);
-    grid->setFocus();
-    grid->setCurrentIndex(cell);
-    grid->edit(cell);
-    QWidget *editor = QApplication::focusWidget();
-    QVERIFY(editor && editor != grid);
-    if (auto *combo = qobject_cast<QComboBox *>(editor))
-        combo->lineEdit()->selectAll();
-    else if (auto *line = qobject_cast<QLineEdit *>(editor))
-        line->selectAll();
-    typeText(editor, value);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCoreApplication::processEvents();
-}
-}
-
-class TestTicketRoad : public QObject {
+class TestTicketRoad : public QObject, Bench {
     Q_OBJECT
 private slots:
+    void initTestCase()
+    {
+        Session::UserID = 1;
+        Clock::set(QDateTime(Fixture::Today, QTime(10, 0)));
+        registerWorkflowForms();
+        registerTicketForms();
+        registerCustomerForms();
+    }
+    void init() { QVERIFY(start() && Fixture::arrange(*db)); }
+    void cleanup()
+    {
+        setSalePrinter(nullptr);
+        Forms::setActiveChildProvider(nullptr);
+        FINISH_BENCH();
+    }
     void oneTicketFromKeyingToPrint();
 };
 
 void TestTicketRoad::oneTicketFromKeyingToPrint()
 {
-    Session::UserID = 1;
-    std::unique_ptr<TestDb> db;
-    Fixture::begin(db);
     QVERIFY(db->exec("INSERT INTO Product(ID,Name,Unit,Status,IsContainer,ContainerID,Price) VALUES "
                      "(1,'纯净水','桶','1','0',3,10),(3,'空桶','个','1','1',0,0)"));
     QVERIFY(db->exec("INSERT INTO Sender(ID,Name,Status,Price,StationID) VALUES (1,'张三','1',5,1)"));
-    registerWorkflowForms();
-    registerTicketForms();
-    registerCustomerForms();
     QList<qint32> printed;
     setSalePrinter([&](qint32 id, bool) { printed << id; });
 
@@ -103,20 +77,17 @@ void TestTicketRoad::oneTicketFromKeyingToPrint()
     const QString owed = list->dbgMain->model()->index(0, 3).data().toString();
     QVERIFY(owed.toDouble() > 0);
 
-    ScriptedPrompter prompts;
-    prompts.expect(QStringLiteral("成功收到") + id + QStringLiteral("号单据销售款：人民币") + owed + QStringLiteral("元！"));
+    prompts->expect(QStringLiteral("成功收到") + id + QStringLiteral("号单据销售款：人民币") + owed + QStringLiteral("元！"));
     tool("OutAmount");
     QCOMPARE(list->dbgMain->rowStyle(0).foreground, QColor(0, 0, 255)); // still owes money and empties
     tool("InMoney");
     tool("InContainer");
-    VERIFY_PROMPTS(prompts);
+    VERIFY_PROMPTS(*prompts);
     QCOMPARE(list->dbgMain->rowStyle(0).foreground, QColor());
     QCOMPARE(list->dbgMain->footerText(9), QStringLiteral("共欠钱：0元       欠瓶：0个"));
 
     tool("PrintSale");
     QCOMPARE(printed, QList<qint32>{id.toInt()});
-    setSalePrinter(nullptr);
-    Fixture::end(db);
 }
 
 QTEST_MAIN(TestTicketRoad)
