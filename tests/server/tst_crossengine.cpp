@@ -3,9 +3,7 @@
 #include "ServerDb.h"
 #include "support/TestDb.h"
 
-#include "data/Gateway.h"
 #include "data/SqlText.h"
-#include "platform/Prompter.h"
 #include "report/PeriodClosing.h"
 #include "report/ReportQuery.h"
 #include "report/TodayReportGenerator.h"
@@ -14,24 +12,6 @@
 #include <functional>
 
 namespace {
-// Answers every question with yes and the closing's date with 11-22-2026; keeps what was
-// shown, which must also be the same on both engines.
-class YesPrompter : public Prompter {
-public:
-    QStringList shown;
-    QMessageBox::StandardButton message(const QString &title, const QString &text, QMessageBox::Icon,
-                                        QMessageBox::StandardButtons buttons, QMessageBox::StandardButton) override
-    {
-        // The engines word their own errors differently: the system's part must agree.
-        shown << title + QLatin1Char('|') + text.section(QStringLiteral("错误信息："), 0, 0);
-        return buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
-    }
-    std::optional<QString> input(const QString &, const QString &, const QString &) override
-    {
-        return QStringLiteral("11-22-2026");
-    }
-};
-
 QString cell(const QVariant &v)
 {
     if (v.isNull())
@@ -328,13 +308,11 @@ const QList<Step> &steps()
 QMap<QString, QStringList> runAll()
 {
     YesPrompter prompts;
-    Prompter::install(&prompts);
     QMap<QString, QStringList> results;
     for (const Step &s : steps()) {
         prompts.shown.clear();
         results[QString::fromUtf8(s.name)] = s.run() + prompts.shown;
     }
-    Prompter::install(nullptr);
     return results;
 }
 }

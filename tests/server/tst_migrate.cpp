@@ -5,20 +5,8 @@
 #include "ShopMover.h"
 #include "support/TestDb.h"
 
-#include "data/Gateway.h"
 
 #include <QtTest>
-
-namespace {
-QVariant scalar(const QString &sql)
-{
-    RecordsetPtr rs = OpenRecordset(sql);
-    if (!rs || rs->eof())
-        return {};
-    rs->moveFirst();
-    return rs->field(0);
-}
-}
 
 class tst_Migrate : public QObject {
     Q_OBJECT

@@ -4,40 +4,12 @@
 #include "ServerDb.h"
 #include "support/ScriptedPrompter.h"
 
-#include "data/Gateway.h"
-#include "platform/Prompter.h"
 #include "report/PeriodClosing.h"
 
 #include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QtTest>
-
-namespace {
-class YesPrompter : public Prompter {
-public:
-    QStringList shown;
-    QMessageBox::StandardButton message(const QString &, const QString &text, QMessageBox::Icon,
-                                        QMessageBox::StandardButtons buttons, QMessageBox::StandardButton) override
-    {
-        shown << text;
-        return buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
-    }
-    std::optional<QString> input(const QString &, const QString &, const QString &) override
-    {
-        return QStringLiteral("11-22-2026");
-    }
-};
-
-QVariant scalar(const QString &sql)
-{
-    RecordsetPtr rs = OpenRecordset(sql);
-    if (!rs || rs->eof())
-        return {};
-    rs->moveFirst();
-    return rs->field(0);
-}
-}
 
 class tst_Workstations : public QObject {
     Q_OBJECT
@@ -66,15 +38,16 @@ private slots:
         QVERIFY(a.waitForStarted() && b.waitForStarted());
         // Meanwhile this workstation collects the money of every open ticket, then closes
         // yesterday.
-        YesPrompter prompts;
-        Prompter::install(&prompts);
         int operations = 0;
-        while (a.state() == QProcess::Running && operations < 50) {
-            QVERIFY(ExecuteSql("Update Sale set InMoney=TotalMoney where FinishFlag='0'"));
-            ++operations;
+        std::optional<int> closed;
+        {
+            YesPrompter prompts;
+            while (a.state() == QProcess::Running && operations < 50) {
+                QVERIFY(ExecuteSql("Update Sale set InMoney=TotalMoney where FinishFlag='0'"));
+                ++operations;
+            }
+            closed = PeriodClosing().FinishToday();
         }
-        const std::optional<int> closed = PeriodClosing().FinishToday();
-        Prompter::install(nullptr);
         QCOMPARE(closed.value_or(-1), finished);
 
         for (QProcess *p : {&a, &b}) {
