@@ -81,7 +81,12 @@ private slots:
         QVERIFY(db->ok());
         smallShop(*db);
     }
-    void cleanup() { Fixture::end(db); }
+    void cleanup()
+    {
+        Forms::unloadAll();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        db.reset();
+    }
 
     void dayFigures_data()
     {
