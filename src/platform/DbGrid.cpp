@@ -432,23 +432,48 @@ void DbGrid::updateGeometries()
 void DbGrid::layoutFrame()
 {
     QHeaderView *head = horizontalHeader();
-    const int headH = head->isHidden() ? 0 : viewportMargins().top();
+    const QMargins old = viewportMargins();
+    const int headH = head->isHidden() ? 0 : old.top();
     const int titleH = m_title->isHidden() ? 0 : m_title->sizeHint().height() + 4;
     const int footH = m_footer->isHidden() ? 0 : m_footer->sizeHint().height();
-    const int left = viewportMargins().left();
-    setViewportMargins(left, headH + titleH, 0, footH);
+    const int left = old.left();
+    const QMargins margins(left, headH + titleH, 0, footH);
 
-    // Ranges first: a scroll bar that appears or goes changes the room left for the rows.
-    QRect vg = viewport()->geometry();
+    // Each bar is decided here, once, from what the rows and the columns need in the room
+    // the new margins leave, the other bar's width counted; the ranges go in before the
+    // margins, whose layout shows or hides the bars by them. Ranges taken from the room of
+    // the moment let a list about as tall as its window show its bar, lose the room to it,
+    // hide it again and so on for ever.
+    const QSize room = maximumViewportSize()
+                       + QSize(old.left() + old.right() - margins.left() - margins.right(),
+                               old.top() + old.bottom() - margins.top() - margins.bottom());
     QScrollBar *bar = verticalScrollBar();
-    bar->setRange(0, qMax(0, verticalHeader()->length() - vg.height()));
-    bar->setPageStep(vg.height());
-    bar->setSingleStep(verticalHeader()->defaultSectionSize());
     QScrollBar *hbar = horizontalScrollBar();
-    hbar->setRange(0, qMax(0, head->length() - vg.width()));
-    hbar->setPageStep(vg.width());
+    const int rows = verticalHeader()->length();
+    const int columns = head->length();
+    const bool vAsNeeded = verticalScrollBarPolicy() == Qt::ScrollBarAsNeeded;
+    const bool hAsNeeded = horizontalScrollBarPolicy() == Qt::ScrollBarAsNeeded;
+    bool needV = vAsNeeded && rows > room.height();
+    const bool needH = hAsNeeded && columns > room.width() - (needV ? bar->sizeHint().width() : 0);
+    if (needH && vAsNeeded && !needV)
+        needV = rows > room.height() - hbar->sizeHint().height();
+    const QSize view(room.width() - (needV ? bar->sizeHint().width() : 0),
+                     room.height() - (needH ? hbar->sizeHint().height() : 0));
+    // Set again from the room the rows really got: a bar shown as needed keeps the decision
+    // above even where a style lays the rows out a pixel or two off the reckoning.
+    const auto setRanges = [&](QSize size) {
+        const int v = qMax(0, rows - size.height()), h = qMax(0, columns - size.width());
+        bar->setRange(0, vAsNeeded ? (needV ? qMax(1, v) : 0) : v);
+        bar->setPageStep(size.height());
+        bar->setSingleStep(verticalHeader()->defaultSectionSize());
+        hbar->setRange(0, hAsNeeded ? (needH ? qMax(1, h) : 0) : h);
+        hbar->setPageStep(size.width());
+    };
+    setRanges(view);
+    setViewportMargins(margins);
+    const QRect vg = viewport()->geometry();
+    setRanges(vg.size());
 
-    vg = viewport()->geometry();
     if (!head->isHidden())
         head->setGeometry(vg.left(), vg.top() - headH, vg.width(), headH);
     if (!m_title->isHidden())

@@ -58,9 +58,6 @@ void frmReport::SetMyDBGrid()
     });
     dbgMain->setCaption(curReportCaption);
     dbgMain->setFooterVisible(true);
-    // A month of days fills the window to about its height; a scroll bar that comes and
-    // goes with each layout would keep the grid laying itself out for ever.
-    dbgMain->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 }
 
 void frmReport::SetMyReportCaption()

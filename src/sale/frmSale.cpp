@@ -267,6 +267,10 @@ void frmSale::buildLayout()
     dtlCustomer->setObjectName(QStringLiteral("dtlCustomer"));
     dtlCustomer->setEditTriggers(QAbstractItemView::NoEditTriggers);
     dtlCustomer->setFrameShape(QFrame::Box);
+    // One character of an address finds thousands of customers on every keystroke. Every row
+    // is one line of the same font, so the list takes the first row's height for all of them
+    // instead of measuring each address, and reads only the rows it draws.
+    dtlCustomer->setUniformItemSizes(true);
     m_addresses = new RecordsetModel(this);
     GridColumn address;
     address.caption = QStringLiteral("客户地址");

@@ -167,7 +167,7 @@ private slots:
         row("& in brackets", "((a & 1) & 'x') Desc", "(IFNULL((IFNULL(a,'') || 1),'') || 'x') Desc");
         row("& keeps keywords out", "select a & b as k from t", "select IFNULL(a,'') || IFNULL(b,'') as k from t");
         row("names any case", "yEAR (d), MONTH(d)",
-            "CAST(strftime('%Y',d) AS INTEGER), CAST(strftime('%m',d) AS INTEGER)");
+            "NULLIF(CAST(substr(d,1,4) AS INTEGER),0), NULLIF(CAST(substr(d,6,2) AS INTEGER),0)");
         row("not a call", "t.Year(d), Year, Year()", "t.Year(d), Year, Year()");
         row("quotes untouched", "x='#2026-1-1# & Year(d) -- /*''' & \"a&b\" & [c&d]",
             "x='#2026-1-1# & Year(d) -- /*''' || IFNULL(\"a&b\",'') || IFNULL([c&d],'')");
