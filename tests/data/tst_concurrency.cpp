@@ -74,8 +74,7 @@ private slots:
         } else {
             QVERIFY(!ExecuteSql("insert into Call(PhoneNumber,CreateDate) values('5551234',#2026-11-23#)"));
         }
-        QVERIFY2(prompts.done(), qPrintable(prompts.problems().join('\n')));
-        QCOMPARE(prompts.last().title, QStringLiteral("系统错误"));
+        VERIFY_PROMPTS(prompts);
         QVERIFY(prompts.last().text.contains(QStringLiteral("另一个工作站正在写入数据库 ")
                                              + QDir::toNativeSeparators(QFileInfo(db.path()).absoluteFilePath())));
         sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
