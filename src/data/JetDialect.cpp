@@ -254,6 +254,18 @@ bool isNumber(QStringView w)
     return !w.isEmpty();
 }
 
+// Words of the statement itself: a bracket after one of them opens a group, not a call.
+bool isKeyword(const QString &word)
+{
+    static const char *const keywords[] = {"select", "where", "and", "or", "not", "on", "in", "from", "by",
+                                           "having", "as", "set", "values", "when", "then", "else", "case",
+                                           "is", "like", "ilike", "between", "exists", "distinct", "union"};
+    for (const char *k : keywords)
+        if (word.compare(QLatin1String(k), Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
+
 class Translator {
 public:
     Translator(QStringView s, Target target) : m_s(s), m_target(target), m_tokens(tokenize(s)) {}
@@ -386,7 +398,7 @@ void Translator::addGroup(std::vector<Item> &items, Level inner)
     size_t k = items.size();
     if (k >= 1 && items[k - 1].cls == Cls::Space)
         --k;
-    if (k == 0 || !items[k - 1].named) {
+    if (k == 0 || !items[k - 1].named || isKeyword(items[k - 1].text)) {
         items.push_back({Cls::Atom, QLatin1Char('(') + inner.text + close});
         return;
     }

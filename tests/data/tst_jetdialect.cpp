@@ -137,6 +137,7 @@ private slots:
         QTest::newRow("& after a sum") << "select ID+CustomerID & '件' from Sale where ID=2" << "3件";
         QTest::newRow("& in brackets, before a product") << "select ID, ((ID & 1) & 'x') & -ID*2 from Sale where ID=2" << "2|21x-4";
         QTest::newRow("quotes untouched") << "select 'x''#1# & Year(d) -- /*' & Detail from Sale where ID=2" << "x'#1# & Year(d) -- /*x";
+        QTest::newRow("a keyword before a bracket is no call") << "select (ID & 1) & 'x' from Sale where (ID & '')='2'" << "21x";
         QTest::newRow("names any case") << "select yEAR (CreateDate)*100 + MONTH(CreateDate) from Sale where ID=1" << "202609";
         QTest::newRow("date with blanks, month first") << "select ID from Sale where CreateDate=# 9/30/2026 #" << "1";
         QTest::newRow("& over a missing value") << "select Detail & '-' & ID from Sale where ID=1" << "-1";
