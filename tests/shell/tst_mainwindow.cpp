@@ -1,6 +1,6 @@
+// The main window's routing of tools to the window in front, and the operator's rights.
 #include "shell/CommandBar.h"
 #include "shell/Shell.h"
-#include "shell/ToolState.h"
 #include "shell/frmMain.h"
 
 #include "data/Session.h"
@@ -8,33 +8,17 @@
 #include "telephony/ScriptedLineProvider.h"
 
 #include <QAction>
-#include <QMdiArea>
-#include <QMdiSubWindow>
-#include <QMenu>
-#include <QStandardItemModel>
-#include <QToolBar>
 
 namespace {
-// A list window as the shell meets it: procedures by name, a grid named dbgMain.
+// A list window as the shell meets it: procedures by name.
 class frmFakeList : public QWidget {
     Q_OBJECT
 public:
-    frmFakeList()
-    {
-        auto *grid = new QTableView(this);
-        grid->setObjectName("dbgMain");
-        auto *model = new QStandardItemModel(4, 2, grid);
-        grid->setModel(model);
-    }
     QStringList calls;
-    int row() const { return findChild<QTableView *>("dbgMain")->currentIndex().row(); }
 public slots:
     void AddNew() { calls << "AddNew"; }
-    void DeleteData() { calls << "DeleteData"; }
     void DeleteAll() { calls << "DeleteAll"; }
     void InAllMoney() { calls << "InAllMoney"; }
-    void OutContainer() { calls << "OutContainer"; }
-    void FinishToday() { calls << "FinishToday"; }
 };
 }
 
@@ -55,7 +39,6 @@ class TestMainWindow : public QObject, Bench {
         QVERIFY2(a, qPrintable(band + "/" + tool));
         a->trigger();
     }
-    int m_ended = 0;
     int m_saleAdminLoads = 0;
 
 private slots:
@@ -69,7 +52,7 @@ private slots:
             return new frmFakeList;
         });
         Forms::add("frmMoneyAdmin", [] { return new frmFakeList; });
-        Shell::setEndProgram([this] { ++m_ended; });
+        Shell::setEndProgram([] {});
     }
 
     void init()
@@ -77,25 +60,10 @@ private slots:
         QVERIFY(start());
         Session::UserID = 1;
         Session::SaleAdminClosable = false;
-        Session::CompanyName = "东城水站";
-        m_ended = 0;
         openMain("11111111")->show();
     }
 
     void cleanup() { FINISH_BENCH(); }
-
-    void bandsAsBuilt()
-    {
-        CommandBar &bar = *main()->acbMain();
-        // The drop-downs open from the menu bar.
-        QCOMPARE(bar.tool("mnuMain", "mnuContainer")->menu(), bar.dropDown("popContainer"));
-        // The toolbar shows real pictures, and tlDel opens its list of the open tickets.
-        auto *toolBar = main()->findChild<QToolBar *>("barTool");
-        QVERIFY(toolBar && toolBar->isVisible());
-        for (const QString &tool : bar.tools("barTool"))
-            QVERIFY2(!bar.tool("barTool", tool)->icon().pixmap(24).isNull(), qPrintable(tool));
-        QCOMPARE(bar.tool("barTool", "tlDel")->menu(), bar.dropDown("popDel"));
-    }
 
     void toolsReachActiveChild_data()
     {
@@ -103,11 +71,8 @@ private slots:
         QTest::addColumn<QString>("tool");
         QTest::addColumn<QString>("procedure");
         QTest::newRow("add") << "barTool" << "tlAdd" << "AddNew";
-        QTest::newRow("delete") << "barTool" << "tlDel" << "DeleteData";
         QTest::newRow("delete all") << "popDel" << "tlDelAll" << "DeleteAll";
         QTest::newRow("all money") << "popMoney" << "tlInAllMoney" << "InAllMoney";
-        QTest::newRow("owed empties") << "popContainer" << "tlOutContainer" << "OutContainer";
-        QTest::newRow("finish") << "barTool" << "tlFinish" << "FinishToday";
     }
     void toolsReachActiveChild()
     {
@@ -123,141 +88,6 @@ private slots:
         press(band, tool);
         QCOMPARE(money->calls, QStringList{procedure});
         QVERIFY(sale->calls.isEmpty());
-    }
-
-    void missingWindowsAndProceduresAreQuiet()
-    {
-        // Nothing may be said.
-        for (const char *tool : {"tlInMoney", "tlPrintSale", "tlFilter", "tlChart", "tlCustomerAdmin",
-                                 "tlStoreAdmin", "tlTodayReport", "tlSalePrintSetup", "mnuDayReport",
-                                 "mnuSenderMonthReport", "mnuHistoryCall", "tlHelp", "tlSysLog",
-                                 "tlGrpStationAdmin", "tlNoSuchTool"})
-            main()->ToolClick(tool);
-        QCOMPARE(main()->mdiArea()->subWindowList().size(), 1);
-        QCOMPARE(m_ended, 0);
-        // With no child at all the child tools still do nothing, and the page setup opens
-        // without a grid to set up.
-        Session::SaleAdminClosable = true;
-        Forms::unload("frmSaleAdmin");
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        for (const char *tool : {"tlAdd", "tlNext", "tlSaleAdmin", "tlPrintPreview"})
-            main()->ToolClick(tool);
-        ModalScript script;
-        script.on("cdlMain", [](QWidget *dialog) { qobject_cast<QDialog *>(dialog)->reject(); });
-        press("popFile", "tlPrintSetup");
-        VERIFY_MODALS(script);
-    }
-
-    void rowMovement_data()
-    {
-        QTest::addColumn<int>("start");
-        QTest::addColumn<QString>("tool");
-        QTest::addColumn<int>("end");
-        QTest::newRow("next") << 1 << "tlNext" << 2;
-        QTest::newRow("next at last stays") << 3 << "tlNext" << 3;
-        QTest::newRow("previous") << 2 << "tlPrevious" << 1;
-        QTest::newRow("previous at first stays") << 0 << "tlPrevious" << 0;
-        QTest::newRow("first") << 2 << "tlFirst" << 0;
-        QTest::newRow("last") << 1 << "tlLast" << 3;
-    }
-    void rowMovement()
-    {
-        QFETCH(int, start);
-        QFETCH(QString, tool);
-        QFETCH(int, end);
-        auto *sale = qobject_cast<frmFakeList *>(Forms::activeChild());
-        QVERIFY(sale);
-        auto *grid = sale->findChild<QTableView *>("dbgMain");
-        grid->setCurrentIndex(grid->model()->index(start, 1));
-        press("barTool", tool);
-        QCOMPARE(sale->row(), end);
-        QCOMPARE(grid->currentIndex().column(), 1);
-    }
-
-    void saleListReachedByClosingFront_data()
-    {
-        QTest::addColumn<bool>("byTool"); // 销售开票, or the close box of the window in front
-        QTest::newRow("tool") << true;
-        QTest::newRow("close box") << false;
-    }
-    void saleListReachedByClosingFront()
-    {
-        QFETCH(bool, byTool);
-        press("popDaily", "tlMoneyAdmin");
-        QMdiSubWindow *front = main()->mdiArea()->activeSubWindow();
-        QVERIFY(front && front->isMaximized());
-        if (byTool)
-            press("barNavChild", "tlSaleAdmin");
-        else
-            front->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!Forms::loaded("frmMoneyAdmin"));
-        QWidget *sale = Forms::loaded("frmSaleAdmin");
-        QCOMPARE(Forms::activeChild(), sale);
-        // Back in front, the sale list fills the work area again.
-        QTRY_VERIFY(main()->mdiArea()->activeSubWindow()->isMaximized());
-        // With the sale list in front the tool does nothing.
-        press("barNavChild", "tlSaleAdmin");
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCOMPARE(Forms::loaded("frmSaleAdmin"), sale);
-    }
-
-    void endingTheProgram_data()
-    {
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<QString>("online"); // MaxOnlineUsers afterwards
-        QTest::addColumn<int>("ended");
-        QTest::newRow("exit tool skips the count") << "tlExit" << "3" << 1;
-        QTest::newRow("closing the frame counts down") << "close" << "2" << 1;
-        QTest::newRow("clear users, No") << "clearNo" << "3" << 0;
-        QTest::newRow("clear users, Yes") << "clearYes" << "1" << 1;
-    }
-    void endingTheProgram()
-    {
-        QFETCH(QString, how);
-        QFETCH(QString, online);
-        QFETCH(int, ended);
-        db->exec("INSERT INTO SysValue(Name,myValue) VALUES('MaxOnlineUsers','3')");
-        if (how.startsWith("clear")) {
-            prompts->expect("你确认要清理所有在线用户吗？执行此操作后所有用户都需重新登入系统！",
-                            how == "clearYes" ? QMessageBox::Yes : QMessageBox::No);
-            if (how == "clearYes")
-                prompts->expect("清理成功，系统将重启！");
-            press("popFile", "tlClearUser");
-        } else if (how == "close") {
-            main()->close();
-        } else {
-            press("barTool", how);
-        }
-        QCOMPARE(m_ended, ended);
-        QCOMPARE(db->scalar("SELECT myValue FROM SysValue WHERE Name='MaxOnlineUsers'").toString(), online);
-    }
-
-    void tiling_data()
-    {
-        QTest::addColumn<QString>("tool");
-        QTest::addColumn<bool>("sideBySide");
-        QTest::newRow("vertical") << "tlTileVertical" << true;
-        QTest::newRow("horizontal") << "tlTileHorizontal" << false;
-    }
-    void tiling()
-    {
-        QFETCH(QString, tool);
-        QFETCH(bool, sideBySide);
-        press("barNavChild", "tlMoneyAdmin");
-        press("popWindows", tool);
-        const auto windows = main()->mdiArea()->subWindowList();
-        QCOMPARE(windows.size(), 2);
-        const QRect a = windows[0]->geometry(), b = windows[1]->geometry();
-        QVERIFY(!windows[0]->isMaximized() && !windows[1]->isMaximized());
-        QVERIFY(!a.intersects(b));
-        if (sideBySide) {
-            QCOMPARE(a.top(), b.top());
-            QCOMPARE(a.height(), b.height());
-        } else {
-            QCOMPARE(a.left(), b.left());
-            QCOMPARE(a.width(), b.width());
-        }
     }
 
     void operatorsWindowReappliesRights()
@@ -297,13 +127,9 @@ private slots:
                                << QStringList{"popDaily/tlMoneyAdmin", "mnuMain/mnuMoney",
                                               "barTool/tlOutMoney", "barTool/tlInMoney"}
                                << QStringList{"barNavChild/tlMoneyAdmin", "popMoney/tlInMoney"};
-        QTest::newRow("reports") << "11111110" << QStringList{"mnuMain/mnuSearch"}
-                                 << QStringList{"popSearch/mnuDayReport", "popDaily/tlTodayReport"};
         QTest::newRow("short string refuses nothing more")
             << "1101" << QStringList{"mnuMain/mnuMoney"}
             << QStringList{"mnuMain/mnuSearch", "popDaily/tlTodayReport"};
-        QTest::newRow("only a 0 refuses") << "1x1 1111" << QStringList{}
-                                          << QStringList{"popDaily/tlSaleAdmin", "mnuMain/mnuMoney"};
     }
     void rightsSwitchOff()
     {
@@ -321,72 +147,6 @@ private slots:
         QCOMPARE(Forms::loaded("frmSaleAdmin") == nullptr, saleRefused);
         QCOMPARE(Session::SaleAdminClosable, saleRefused);
         QCOMPARE(m_saleAdminLoads, 1);
-    }
-
-    // One row per kind of change: tools off, captions, menus, the list of tlDel.
-    void toolStatePerWindow_data()
-    {
-        QTest::addColumn<QString>("form");
-        QTest::addColumn<QStringList>("toolsOff");
-        QTest::addColumn<QStringList>("menusOff");
-        QTest::addColumn<QStringList>("captions"); // tool=caption for the four changeable ones
-        QTest::addColumn<bool>("delAllOn");
-        const QStringList usual{"tlDel=删除", "tlEdit=修改", "tlPrintSale=打印单据", "tlFilter=查询"};
-        const QStringList all3{"mnuAmount", "mnuContainer", "mnuMoney"};
-        QTest::newRow("frmSaleAdmin") << "frmSaleAdmin" << QStringList{"tlChart", "tlFinish"}
-                                      << QStringList{} << usual << true;
-        QTest::newRow("frmMoneyAdmin")
-            << "frmMoneyAdmin" << QStringList{"tlAdd", "tlDel", "tlChart", "tlFinish", "tlInAmount", "tlOutAmount"}
-            << QStringList{"mnuAmount", "mnuContainer"}
-            << QStringList{"tlDel=删除", "tlEdit=打开", "tlPrintSale=打印单据", "tlFilter=查询"} << true;
-        QTest::newRow("frmCustomerAdmin")
-            << "frmCustomerAdmin"
-            << QStringList{"tlChart", "tlPrintSale", "tlFinish", "tlInMoney", "tlOutMoney", "tlInAmount", "tlOutAmount"}
-            << all3 << usual << false;
-        QTest::newRow("frmTodayReport")
-            << "frmTodayReport"
-            << QStringList{"tlAdd", "tlEdit", "tlDel", "tlChart", "tlInMoney", "tlOutMoney", "tlInAmount", "tlOutAmount"}
-            << all3 << QStringList{"tlDel=删除", "tlEdit=修改", "tlPrintSale=打印报表", "tlFilter=设定日期"} << true;
-        QTest::newRow("not a list window") << "frmSomethingElse" << QStringList{} << QStringList{} << usual
-                                           << true;
-    }
-    void toolStatePerWindow()
-    {
-        QFETCH(QString, form);
-        QFETCH(QStringList, toolsOff);
-        QFETCH(QStringList, menusOff);
-        QFETCH(QStringList, captions);
-        QFETCH(bool, delAllOn);
-        CommandBar &bar = *main()->acbMain();
-        // Start from the most restrictive windows so that every tool has to come back on.
-        for (const char *before : {"frmHistoryCall", "frmCustomerAdmin", "frmTodayReport"})
-            SetToolState(before);
-        SetToolState(form);
-        for (const QString &tool : bar.tools("barTool"))
-            QVERIFY2(bar.isEnabled("barTool", tool) == !toolsOff.contains(tool), qPrintable(tool));
-        for (const QString menu : {"mnuAmount", "mnuContainer", "mnuMoney"})
-            QVERIFY2(bar.isEnabled("mnuMain", menu) == !menusOff.contains(menu), qPrintable(menu));
-        for (const QString &c : captions)
-            QCOMPARE(bar.caption("barTool", c.section('=', 0, 0)), c.section('=', 1));
-        QCOMPARE(bar.isEnabled("popDel", "tlDelAll"), delAllOn);
-        // The same tools on the drop-down menus are not the toolbar's: they keep their state.
-        QVERIFY(bar.isEnabled("popOperate", "tlAdd"));
-        QCOMPARE(bar.caption("popOperate", "tlEdit"), QStringLiteral("修改记录"));
-        QCOMPARE(bar.panelText("stbCompany"), QStringLiteral("东城水站"));
-        QCOMPARE(bar.panelText("stbUser"), QStringLiteral("管理员"));
-    }
-
-    void laterCallWins()
-    {
-        // Refused money: off at start, on again once a list window leaves it on.
-        CommandBar &bar = *openMain("11011111")->acbMain();
-        SetRights(1);
-        QVERIFY(!bar.isEnabled("barTool", "tlInMoney"));
-        QVERIFY(!bar.isEnabled("mnuMain", "mnuMoney"));
-        SetToolState("frmSaleAdmin");
-        QVERIFY(bar.isEnabled("barTool", "tlInMoney"));
-        QVERIFY(bar.isEnabled("mnuMain", "mnuMoney"));
-        QVERIFY(!bar.isEnabled("popDaily", "tlMoneyAdmin"));
     }
 };
 

@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/Modal.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -13,22 +15,23 @@ class ModalScript {
 public:
     using Handler = std::function<void(QWidget *)>;
 
-    ModalScript();
-    ~ModalScript();
+    ModalScript() { Modal::setInterceptor([this](QWidget *w) { run(w); }); }
+    ~ModalScript() { Modal::setInterceptor(nullptr); }
 
-    ModalScript &on(const QString &formName, Handler handler);
-    QStringList problems(bool includeUnmet = true) const;
+    ModalScript &on(const QString &formName, Handler handler)
+    {
+        m_steps.append({formName, std::move(handler)});
+        return *this;
+    }
+    // What went wrong so far, and the handlers still waiting for their window.
+    QStringList problems() const;
     bool done() const { return problems().isEmpty(); }
     QStringList seen() const { return m_seen; }
 
-    // Helpers for handlers.
-    template <class T> static T *child(QWidget *form, const QString &name)
-    {
-        return form->findChild<T *>(name);
-    }
+    template <class T> static T *child(QWidget *form, const QString &name) { return form->findChild<T *>(name); }
     // Clicks the named button (QAbstractButton) of the form; false when there is none.
     static bool click(QWidget *form, const QString &buttonName);
-    // Sets the text of the named line edit / text edit / combo box as a user typing it.
+    // Sets the text of the named line edit or combo box as a user typing it.
     static bool type(QWidget *form, const QString &fieldName, const QString &text);
 
 private:
@@ -38,8 +41,7 @@ private:
         Handler handler;
     };
     QList<Step> m_steps;
-    QStringList m_problems;
-    QStringList m_seen;
+    QStringList m_problems, m_seen;
 };
 
 #define VERIFY_MODALS(script)                                                                      \

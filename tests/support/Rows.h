@@ -5,14 +5,12 @@
 // Rows written straight into a test database, for arranging what a window will find.
 namespace Rows {
 // An active customer of station 1 whose account number is its ID.
-inline bool customer(const TestDb &db, int id, const QString &address,
-                     const QString &phone = QStringLiteral("5550000"),
+inline bool customer(const TestDb &db, int id, const QString &address, const QString &phone = QStringLiteral("5550000"),
                      const QString &status = QStringLiteral("1"), const QString &name = QStringLiteral("王五"))
 {
     return db.exec(QStringLiteral("INSERT INTO Customer(ID,Account,Name,Address,Phone,CustType,Status,CreateDate,"
                                   "StationID) VALUES (%1,%1,'%2','%3','%4',1,'%5','2026-01-05',1)")
-                       .arg(id)
-                       .arg(name, address, phone, status));
+                       .arg(id).arg(name, address, phone, status));
 }
 }
 

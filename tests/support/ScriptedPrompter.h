@@ -9,15 +9,13 @@
 class ScriptedPrompter : public Prompter {
 public:
     struct Shown {
-        QString title;
-        QString text;
+        QString title, text;
         QMessageBox::Icon icon;
         QMessageBox::StandardButtons buttons;
-        QMessageBox::StandardButton defaultButton;
     };
 
-    ScriptedPrompter();
-    ~ScriptedPrompter() override;
+    ScriptedPrompter() { Prompter::install(this); }
+    ~ScriptedPrompter() override { Prompter::install(nullptr); }
 
     // The next message must have this text (exactly, or starting with it when prefix is
     // true) and is answered with answer.
@@ -26,26 +24,23 @@ public:
     // The next input box is answered with text, or cancelled with std::nullopt.
     ScriptedPrompter &expectInput(std::optional<QString> answer);
 
-    QMessageBox::StandardButton message(const QString &title, const QString &text,
-                                        QMessageBox::Icon icon, QMessageBox::StandardButtons buttons,
+    QMessageBox::StandardButton message(const QString &title, const QString &text, QMessageBox::Icon icon,
+                                        QMessageBox::StandardButtons buttons,
                                         QMessageBox::StandardButton defaultButton) override;
-    std::optional<QString> input(const QString &title, const QString &prompt,
-                                 const QString &defaultText) override;
+    std::optional<QString> input(const QString &title, const QString &prompt, const QString &defaultText) override;
 
     const QList<Shown> &shown() const { return m_shown; }
     const Shown &last() const { return m_shown.last(); }
-    // Failures so far: unexpected messages, texts that differ from the script, and (when
-    // asked at the end) expectations nobody met.
-    QStringList problems(bool includeUnmet = true) const;
-    // QVERIFY-friendly: true when every expectation was met and nothing else was shown.
+    // Failures so far: unexpected messages, texts that differ from the script, and
+    // expectations nobody met.
+    QStringList problems() const;
+    // True when every expectation was met and nothing else was shown.
     bool done() const { return problems().isEmpty(); }
-    void clear();
 
 private:
     struct Expectation {
-        bool isInput = false;
+        bool isInput = false, prefix = false;
         QString text;
-        bool prefix = false;
         QMessageBox::StandardButton answer = QMessageBox::Ok;
         std::optional<QString> inputAnswer;
     };

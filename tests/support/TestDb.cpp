@@ -4,7 +4,6 @@
 
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QtTest>
 
 TestDb::TestDb()
 {
@@ -31,17 +30,14 @@ bool TestDb::exec(const QString &engineSql) const
 QVariant TestDb::scalar(const QString &engineSql) const
 {
     QSqlQuery q(Database::connection());
-    if (!q.exec(engineSql) || !q.next()) {
-        qWarning("%s: %s", qPrintable(engineSql), qPrintable(q.lastError().text()));
-        return QVariant();
-    }
-    return q.value(0);
+    if (q.exec(engineSql) && q.next())
+        return q.value(0);
+    qWarning("%s: %s", qPrintable(engineSql), qPrintable(q.lastError().text()));
+    return QVariant();
 }
 
 int TestDb::count(const QString &table, const QString &where) const
 {
-    QString sql = QStringLiteral("SELECT count(*) FROM ") + table;
-    if (!where.isEmpty())
-        sql += QStringLiteral(" WHERE ") + where;
-    return scalar(sql).toInt();
+    const QString filter = where.isEmpty() ? QString() : QStringLiteral(" WHERE ") + where;
+    return scalar(QStringLiteral("SELECT count(*) FROM ") + table + filter).toInt();
 }

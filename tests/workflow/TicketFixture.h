@@ -1,6 +1,5 @@
 #pragma once
-#include "support/Rows.h"
-#include "support/TestDb.h"
+#include "support/Bench.h"
 
 #include "data/Gateway.h"
 #include "platform/Clock.h"
@@ -39,6 +38,14 @@ inline bool arrange(const TestDb &db)
 {
     autoRefresh(true);
     return Rows::customer(db, 1, QStringLiteral("东大街1号"));
+}
+
+// Lets every window go before the database closes.
+inline void end(std::unique_ptr<TestDb> &db)
+{
+    Forms::setActiveChildProvider(nullptr);
+    unloadForms();
+    db.reset();
 }
 }
 

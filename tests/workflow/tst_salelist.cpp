@@ -1,16 +1,13 @@
-// The ticket lists: what they show and colour, how they sort, refresh and open tickets, and
-// every operation their tools run on one ticket or on all open ones.
+// The ticket lists: what they list and add up, which ticket they keep, and every operation
+// their tools run on one ticket or on all open ones.
 #include "TicketFixture.h"
 
 #include "support/Bench.h"
 
-#include "data/Session.h"
 #include "workflow/WorkflowForms.h"
 #include "workflow/frmSaleAdmin.h"
 
 #include <QDialog>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 
 using namespace Fixture;
 
@@ -19,7 +16,6 @@ using Script = QList<QPair<QString, QMessageBox::StandardButton>>;
 Q_DECLARE_METATYPE(Script)
 
 namespace {
-const QString NoDebt = QStringLiteral("共欠钱：0元       欠瓶：0个");
 constexpr auto Yes = QMessageBox::Yes;
 constexpr auto No = QMessageBox::No;
 constexpr auto Ok = QMessageBox::Ok;
@@ -27,10 +23,7 @@ constexpr auto Ok = QMessageBox::Ok;
 // The figures of ticket 1 as stored: OutAmount, InMoney, InContainer.
 QString figures(TestDb &db)
 {
-    return QStringLiteral("%1/%2/%3")
-        .arg(db.scalar("SELECT OutAmount FROM Sale WHERE ID=1").toDouble())
-        .arg(db.scalar("SELECT InMoney FROM Sale WHERE ID=1").toDouble())
-        .arg(db.scalar("SELECT InContainer FROM Sale WHERE ID=1").toDouble());
+    return db.scalar("SELECT printf('%g/%g/%g', OutAmount, InMoney, InContainer) FROM Sale WHERE ID=1").toString();
 }
 
 QStringList ids(const DbGrid *grid)
@@ -40,18 +33,9 @@ QStringList ids(const DbGrid *grid)
         out << grid->model()->index(r, 0).data().toString();
     return out;
 }
-
-QStringList footers(const DbGrid *grid)
-{
-    QStringList out;
-    for (int c = 0; c < grid->columnCount(); ++c)
-        out << grid->footerText(c);
-    return out;
-}
 }
 
-// The ticket window and the filter are stood in for by plain dialogs: the list writes
-// mActionType and mCurID as dynamic properties, which the test reads back.
+// The ticket window and the filter are stood in for by plain dialogs.
 class TestSaleList : public QObject, Bench {
     Q_OBJECT
     frmSaleAdmin *list() { return Forms::get<frmSaleAdmin>("frmSaleAdmin"); }
@@ -70,12 +54,7 @@ private slots:
         Clock::set(QDateTime(Today, QTime(10, 0)));
     }
     void init() { QVERIFY(start() && arrange(*db)); }
-    void cleanup()
-    {
-        setToolStateHandler(nullptr);
-        Forms::setActiveChildProvider(nullptr);
-        FINISH_BENCH();
-    }
+    void cleanup() { FINISH_BENCH(); }
 
     // The base list is today's tickets and every open one; totals are the database's sums over
     // that filter, with the debt line made from the footers.
@@ -83,112 +62,33 @@ private slots:
     {
         QTest::addColumn<QList<Ticket>>("tickets");
         QTest::addColumn<QStringList>("shown");
-        QTest::addColumn<QStringList>("sums"); // footers of columns 3..8
-        QTest::addColumn<QString>("debt");
+        QTest::addColumn<QStringList>("sums"); // footers of columns 3..8, then the debt line
 
-        QTest::newRow("empty") << QList<Ticket>{} << QStringList{} << QStringList{"0", "0", "0", "0", "0", "0"}
-                               << NoDebt;
+        QTest::newRow("empty") << QList<Ticket>{} << QStringList{}
+                               << QStringList{"0", "0", "0", "0", "0", "0", "共欠钱：0元       欠瓶：0个"};
         QTest::newRow("open old, closed today, closed old hidden, orphan dropped")
             << QList<Ticket>{{1, "2025-01-05", 2, 2, 30, 10, 2, 1},
                              {2, "2026-11-23", 1, 1, 20.5, 20.5, 1, 1, "1"},
                              {3, "2026-11-20", 5, 5, 50, 50, 5, 5, "1"},
                              {4, "2026-11-23", 9, 0, 90, 0, 9, 0, "0", 77}}
-            << QStringList{"2", "1"} << QStringList{"50.5", "30.5", "3", "3", "3", "2"}
-            << QStringLiteral("共欠钱：20元       欠瓶：1个");
+            << QStringList{"2", "1"}
+            << QStringList{"50.5", "30.5", "3", "3", "3", "2", "共欠钱：20元       欠瓶：1个"};
     }
     void baseListAndFooters()
     {
         QFETCH(QList<Ticket>, tickets);
         QFETCH(QStringList, shown);
         QFETCH(QStringList, sums);
-        QFETCH(QString, debt);
         for (const Ticket &t : tickets)
             ticket(*db, t);
         auto *w = list();
         QCOMPARE(w->property("curFilterSQL").toString(),
                  QStringLiteral(" and (Sale.FinishFlag='0' or Sale.CreateDate=#2026-11-23#)"));
         QCOMPARE(ids(w->dbgMain), shown);
-        QCOMPARE(footers(w->dbgMain).mid(3, 6), sums);
-        QCOMPARE(w->dbgMain->footerText(9), debt);
-    }
-
-    // A new search without conditions lists everything with blank numeric footers.
-    void newSearchWithoutConditionsBlanksFooters()
-    {
-        ticket(*db, {1, "2026-11-23", 2, 0, 30, 0, 2, 0});
-        ticket(*db, {2, "2020-01-01", 2, 2, 30, 30, 2, 2, "1"});
-        auto *w = list();
-        Forms::setActiveChildProvider([w] { return w; });
-        ModalScript modals;
-        modals.on("frmSaleFilter", [](QWidget *dlg) {
-            Forms::activeChild()->setProperty("curFilterSQL", QString());
-            static_cast<QDialog *>(dlg)->accept();
-        });
-        w->ShowFilter();
-        VERIFY_MODALS(modals);
-        QCOMPARE(ids(w->dbgMain), (QStringList{"2", "1"}));
-        QCOMPARE(footers(w->dbgMain).mid(3, 6), QStringList(6, QString()));
-        QCOMPARE(w->dbgMain->footerText(9), NoDebt);
-        QVERIFY(!w->GetColTotalValue(3).isValid());
-    }
-
-    // Blue while something the window looks after is outstanding, grey once closed.
-    void rowColours_data()
-    {
-        QTest::addColumn<QString>("form");
-        QTest::addColumn<Ticket>("t");
-        QTest::addColumn<QColor>("text");
-        QTest::addColumn<QColor>("back");
-        const QColor blue(0, 0, 255), grey(224, 224, 224), none;
-        const Ticket owesMoneyDelivered{1, "2026-11-23", 2, 2, 30, 10, 2, 2};
-        const Ticket owesEmpties{1, "2026-11-23", 2, 2, 30, 30, 2, 1};
-        const Ticket settled{1, "2026-11-23", 2, 2, 30, 30, 2, 2};
-        const Ticket closed{1, "2026-11-23", 2, 2, 30, 30, 2, 2, "1"};
-        const Ticket closedOwing{1, "2026-11-23", 2, 2, 30, 0, 2, 2, "1"};
-        QTest::newRow("sale list, money owed") << "frmSaleAdmin" << owesMoneyDelivered << blue << none;
-        QTest::newRow("money list, money owed") << "frmMoneyAdmin" << owesMoneyDelivered << blue << none;
-        QTest::newRow("delivery list, money owed") << "frmAmountAdmin" << owesMoneyDelivered << none << none;
-        QTest::newRow("money list, empties owed") << "frmMoneyAdmin" << owesEmpties << none << none;
-        QTest::newRow("empties list, empties owed") << "frmContainerAdmin" << owesEmpties << blue << none;
-        QTest::newRow("settled") << "frmSaleAdmin" << settled << none << none;
-        QTest::newRow("closed") << "frmSaleAdmin" << closed << none << grey;
-        QTest::newRow("closed but owing stays blue") << "frmSaleAdmin" << closedOwing << blue << none;
-    }
-    void rowColours()
-    {
-        QFETCH(QString, form);
-        QFETCH(Ticket, t);
-        QFETCH(QColor, text);
-        QFETCH(QColor, back);
-        ticket(*db, t);
-        auto *w = qobject_cast<SaleListWindow *>(Forms::get(form));
-        QVERIFY(w);
-        QCOMPARE(w->dbgMain->model()->rowCount(), 1);
-        const RowStyle style = w->dbgMain->rowStyle(0);
-        QCOMPARE(style.foreground, text);
-        QCOMPARE(style.background, back);
-    }
-
-    // One direction for the whole window: head 0 twice, then head 3, sorts up, down, up.
-    void sortDirectionIsShared()
-    {
-        ticket(*db, {1, "2026-11-23", 1, 0, 30, 0, 0, 0});
-        ticket(*db, {2, "2026-11-23", 1, 0, 10, 0, 0, 0});
-        ticket(*db, {3, "2026-11-23", 1, 0, 20, 0, 0, 0});
-        auto *w = list();
-        QCOMPARE(ids(w->dbgMain), (QStringList{"3", "2", "1"}));
-
-        struct Step { int head; QString sql; QStringList order; int mark; };
-        const QList<Step> steps{{0, " ORDER BY Sale.ID Asc", {"1", "2", "3"}, 1},
-                                {0, " ORDER BY Sale.ID Desc", {"3", "2", "1"}, 0},
-                                {3, " ORDER BY TotalMoney Asc", {"2", "3", "1"}, 1}};
-        for (const Step &s : steps) {
-            emit w->dbgMain->HeadClick(s.head);
-            QCOMPARE(w->property("curSortSQL").toString(), s.sql);
-            QCOMPARE(ids(w->dbgMain), s.order);
-            QCOMPARE(w->dbgMain->sortMarkColumn(), s.head);
-            QCOMPARE(w->dbgMain->sortMarkDirection(), s.mark);
-        }
+        QStringList footers;
+        for (int c = 3; c <= 9; ++c)
+            footers << w->dbgMain->footerText(c);
+        QCOMPARE(footers, sums);
     }
 
     void refreshKeepsTheSameTicket()
@@ -202,112 +102,6 @@ private slots:
         w->DataRefresh();
         QCOMPARE(ids(w->dbgMain), (QStringList{"3", "2", "1"}));
         QCOMPARE(w->currentTicket(), QStringLiteral("1"));
-        // When the ticket is gone the cursor stays at its place, here the last row.
-        QVERIFY(db->exec("DELETE FROM Sale WHERE ID=1"));
-        w->DataRefresh();
-        QCOMPARE(w->currentTicket(), QStringLiteral("2"));
-    }
-
-    // Closed tickets open for reading, open ones for editing; the clerk lists only read.
-    void openingTickets_data()
-    {
-        QTest::addColumn<QString>("form");
-        QTest::addColumn<QString>("finish");
-        QTest::addColumn<int>("mode");
-        QTest::newRow("sale list, open") << "frmSaleAdmin" << "0" << 2;
-        QTest::newRow("sale list, closed") << "frmSaleAdmin" << "1" << 0;
-        QTest::newRow("money list, open") << "frmMoneyAdmin" << "0" << 0;
-    }
-    void openingTickets()
-    {
-        QFETCH(QString, form);
-        QFETCH(QString, finish);
-        QFETCH(int, mode);
-        ticket(*db, {7, "2026-11-23", 1, 0, 30, 0, 0, 0, finish});
-        auto *w = qobject_cast<SaleListWindow *>(Forms::get(form));
-        int shownMode = -1, id = -1;
-        ModalScript modals;
-        modals.on("frmSale", [&](QWidget *dlg) {
-            shownMode = dlg->property("mActionType").toInt();
-            id = dlg->property("mCurID").toInt();
-            static_cast<QDialog *>(dlg)->reject();
-        });
-        w->EditData();
-        VERIFY_MODALS(modals);
-        QCOMPARE(shownMode, mode);
-        QCOMPARE(id, 7);
-
-        // With no row, the double click asks for one and opens nothing.
-        QVERIFY(db->exec("DELETE FROM Sale"));
-        w->DataRefresh();
-        prompts->expect("请先选定您要编辑的记录！");
-        emit w->dbgMain->DblClick();
-    }
-
-    // Without automatic refresh the sale list shows a saved ticket only on request; the clerk
-    // lists refresh after the ticket window whatever the setting.
-    void addNewRefreshRule_data()
-    {
-        QTest::addColumn<QString>("form");
-        QTest::addColumn<bool>("autoOn");
-        QTest::addColumn<int>("rows");
-        QTest::newRow("sale list, auto on") << "frmSaleAdmin" << true << 1;
-        QTest::newRow("sale list, auto off") << "frmSaleAdmin" << false << 0;
-        QTest::newRow("money list, auto off") << "frmMoneyAdmin" << false << 1;
-    }
-    void addNewRefreshRule()
-    {
-        QFETCH(QString, form);
-        QFETCH(bool, autoOn);
-        QFETCH(int, rows);
-        autoRefresh(autoOn);
-        auto *w = qobject_cast<SaleListWindow *>(Forms::get(form));
-        ModalScript modals;
-        modals.on("frmSale", [&](QWidget *dlg) {
-            QCOMPARE(dlg->property("mActionType").toInt(), 1);
-            ticket(*db, {1, "2026-11-23", 1, 0, 30, 0, 0, 0});
-            static_cast<QDialog *>(dlg)->accept();
-        });
-        w->AddNew();
-        VERIFY_MODALS(modals);
-        QCOMPARE(w->dbgMain->model()->rowCount(), rows);
-    }
-
-    void homeWindowRefusesToClose()
-    {
-        auto *w = list();
-        Session::SaleAdminClosable = false;
-        QVERIFY(!w->close());
-        Session::SaleAdminClosable = true;
-        QVERIFY(w->close());
-        Session::SaleAdminClosable = false;
-    }
-
-    // A clerk list lives only while in front: bringing another child forward unloads it, and
-    // the next visit starts with the base filter again. Each activation names the window.
-    void clerkListForgetsItsFilterWhenLeft()
-    {
-        QStringList toolStates;
-        setToolStateHandler([&](const QString &name) { toolStates << name; });
-        QMdiArea area;
-        area.resize(800, 600);
-        area.show();
-        QMdiSubWindow *home = area.addSubWindow(Forms::get("frmSaleAdmin"));
-        home->show();
-        auto *money = Forms::get("frmMoneyAdmin");
-        QMdiSubWindow *moneyFrame = area.addSubWindow(money);
-        moneyFrame->show();
-        area.setActiveSubWindow(moneyFrame);
-        money->setProperty("curFilterSQL", QStringLiteral(" and Sale.ID=1"));
-
-        QPointer<QWidget> gone(money);
-        area.setActiveSubWindow(home);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(gone.isNull());
-        QVERIFY(!Forms::loaded("frmMoneyAdmin"));
-        QVERIFY(toolStates.contains("frmMoneyAdmin"));
-        QCOMPARE(toolStates.last(), QStringLiteral("frmSaleAdmin"));
-        QVERIFY(Forms::get("frmMoneyAdmin")->property("curFilterSQL").toString().startsWith(" and (Sale.FinishFlag='0'"));
     }
 
     // Ticket 1 is ordered 3, owes 50 and 2 empties unless the row says otherwise; the figures
@@ -323,7 +117,6 @@ private slots:
         const Ticket partPaid{1, "2026-11-23", 3, 0, 50, 20, 2, 0};
         const Ticket overpaid{1, "2026-11-23", 3, 0, 50, 60, 2, 0};
         const Ticket closed{1, "2026-11-23", 3, 3, 50, 50, 2, 2, "1"};
-        const Ticket oddFlag{1, "2026-11-23", 3, 0, 50, 20, 2, 0, "x"};
         const Ticket done{1, "2026-11-23", 3, 3, 50, 50, 2, 2};
         const QString notCollectable = "该单据已经入帐或已经收款成功，不能再收款！";
 
@@ -334,12 +127,8 @@ private slots:
         QTest::newRow("refund yes") << "OutMoney" << partPaid << Script{{"你确认要为单据：1办理退款?", Yes}} << "0/0/0";
         QTest::newRow("refund closed refused")
             << "OutMoney" << closed << Script{{"该单据已经入帐不能再退款！", Ok}} << "3/50/2";
-        QTest::newRow("refund odd flag runs") << "OutMoney" << oddFlag << Script{{"你确认要为单据：1办理退款?", Yes}}
-                                              << "0/0/0";
         QTest::newRow("deliver") << "OutAmount" << open << Script{} << "3/0/0";
-        QTest::newRow("deliver again is silent") << "OutAmount" << done << Script{} << "3/50/2";
         QTest::newRow("deliver closed refused") << "OutAmount" << closed << Script{{"单据已入帐！", Ok}} << "3/50/2";
-        QTest::newRow("deliver odd flag refused") << "OutAmount" << oddFlag << Script{{"单据已入帐！", Ok}} << "0/20/0";
         QTest::newRow("take back goods yes")
             << "InAmount" << done << Script{{"你确认要撤销原始单据号为1的单据出库吗？", Yes}} << "0/50/2";
         QTest::newRow("take back goods closed refused")
@@ -362,11 +151,6 @@ private slots:
         expect(script);
         QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
         QCOMPARE(figures(*db), after);
-        // The list shows what the database now holds.
-        QCOMPARE(QStringLiteral("%1/%2/%3").arg(w->dbgMain->model()->index(0, 6).data().toString(),
-                                                w->dbgMain->model()->index(0, 4).data().toString(),
-                                                w->dbgMain->model()->index(0, 8).data().toString()),
-                 after);
     }
 
     // Bulk operations ignore the row and the filter: every open ticket in the table changes,
@@ -418,68 +202,44 @@ private slots:
         QCOMPARE(stored, values);
     }
 
-    // The guards of each operation. With no row, one on a single ticket asks for a row. A
-    // statement the database refuses: some operations leave the list as it was, others run it
-    // again anyway. Questions carry their own titles and the question icon, Yes as the default.
-    void guards_data()
+    // A statement the database refuses changes nothing and says so. With no row, an operation
+    // on one ticket asks for a row first.
+    void refusedStatementChangesNothing_data()
     {
         QTest::addColumn<QString>("procedure");
-        QTest::addColumn<QString>("noRowTitle"); // empty: works on every open ticket
-        QTest::addColumn<QString>("noRowText");
-        QTest::addColumn<QString>("askTitle"); // empty: no question
-        QTest::addColumn<bool>("refreshed");
+        QTest::addColumn<QString>("noRow"); // empty: works on every open ticket
+        QTest::addColumn<bool>("asks");
         const QString pick = "请先选定要处理的单据！", pickReset = "请先选定您要重置的单据！";
-        QTest::newRow("InMoney") << "InMoney" << "收款失败" << pick << "" << false;
-        QTest::newRow("OutMoney") << "OutMoney" << "退款失败" << pick << "退款" << false;
-        QTest::newRow("OutAmount") << "OutAmount" << "提示" << pick << "" << false;
-        QTest::newRow("InAmount") << "InAmount" << "提示" << pickReset << "删除单据" << true;
-        QTest::newRow("InContainer") << "InContainer" << "提示" << pick << "" << true;
-        QTest::newRow("OutContainer") << "OutContainer" << "提示" << pickReset << "删除单据" << true;
-        QTest::newRow("InAllMoney") << "InAllMoney" << "" << "" << "收款" << true;
-        QTest::newRow("OutAllMoney") << "OutAllMoney" << "" << "" << "退款" << true;
-        QTest::newRow("OutAllAmount") << "OutAllAmount" << "" << "" << "出库" << false;
-        QTest::newRow("InAllAmount") << "InAllAmount" << "" << "" << "撤销" << true;
-        QTest::newRow("InAllContainer") << "InAllContainer" << "" << "" << "回收空瓶" << false;
-        QTest::newRow("OutAllContainer") << "OutAllContainer" << "" << "" << "撤销" << true;
+        QTest::newRow("InMoney") << "InMoney" << pick << false;
+        QTest::newRow("OutMoney") << "OutMoney" << pick << true;
+        QTest::newRow("OutAmount") << "OutAmount" << pick << false;
+        QTest::newRow("InAmount") << "InAmount" << pickReset << true;
+        QTest::newRow("InContainer") << "InContainer" << pick << false;
+        QTest::newRow("OutContainer") << "OutContainer" << pickReset << true;
+        for (const char *all : {"InAllMoney", "OutAllMoney", "OutAllAmount", "InAllAmount", "InAllContainer",
+                                "OutAllContainer"})
+            QTest::newRow(all) << all << "" << true;
     }
-    void guards()
+    void refusedStatementChangesNothing()
     {
         QFETCH(QString, procedure);
-        QFETCH(QString, noRowTitle);
-        QFETCH(QString, noRowText);
-        QFETCH(QString, askTitle);
-        QFETCH(bool, refreshed);
+        QFETCH(QString, noRow);
+        QFETCH(bool, asks);
         auto *w = list();
-        if (!noRowText.isEmpty()) {
-            prompts->expect(noRowText);
+        if (!noRow.isEmpty()) {
+            prompts->expect(noRow);
             QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
-            VERIFY_PROMPTS(*prompts);
-            QCOMPARE(prompts->last().title, noRowTitle);
-            QCOMPARE(prompts->last().icon, QMessageBox::Information);
-            prompts->clear();
         }
-
-        ticket(*db, {1, "2026-11-23", 3, 0, 50, 20, 2, 0});
+        ticket(*db, {1, "2026-11-23", 3, 1, 50, 20, 2, 1}); // every operation would change a figure
         w->DataRefresh();
-        // Saved elsewhere after the list ran: it shows only if the list runs again.
-        ticket(*db, {2, "2026-11-23", 3, 0, 50, 0, 2, 0});
         QVERIFY(db->exec("CREATE TRIGGER refuse BEFORE UPDATE ON Sale BEGIN SELECT RAISE(ABORT, 'locked'); END"));
         w->dbgMain->setCurrentRow(0);
-        if (!askTitle.isEmpty())
+        if (asks)
             prompts->expect(QString(), Yes, true); // the question; its text is checked elsewhere
-        prompts->expect(QStringLiteral("更新数据库时出现系统错误，错误信息："), Ok, true);
+        expectFailed(*prompts, Failed::Update);
         QVERIFY(Forms::call(w, procedure.toLatin1().constData()));
         VERIFY_PROMPTS(*prompts);
-        if (!askTitle.isEmpty()) {
-            const ScriptedPrompter::Shown &ask = prompts->shown().first();
-            QCOMPARE(ask.title, askTitle);
-            QCOMPARE(ask.icon, QMessageBox::Question);
-            QCOMPARE(ask.buttons, QMessageBox::Yes | QMessageBox::No);
-            QCOMPARE(ask.defaultButton, QMessageBox::Yes);
-        }
-        QCOMPARE(prompts->last().title, QStringLiteral("系统错误"));
-        QCOMPARE(db->scalar("SELECT InMoney FROM Sale WHERE ID=1").toDouble(), 20.0);
-        QCOMPARE(w->dbgMain->model()->rowCount(), refreshed ? 2 : 1);
+        QCOMPARE(figures(*db), QStringLiteral("1/20/1"));
     }
 
     void deleteOneTicket()
@@ -532,8 +292,6 @@ private slots:
         QCOMPARE(db->count("Sale_detail", "SaleID<>4"), lines);
         QVERIFY(!Conn.inTransaction());
         QCOMPARE(w->dbgMain->model()->rowCount(), tickets + 1);
-        if (script.size() == 2)
-            QCOMPARE(prompts->last().icon, QMessageBox::Critical);
     }
 };
 
