@@ -1,5 +1,6 @@
 #include "Database.h"
 
+#include "SchemaIndexes.h"
 #include "ServerEngine.h"
 
 #include <QCoreApplication>
@@ -62,19 +63,6 @@ const char *const Schema[] = {
     R"(CREATE TABLE Call (
         ID INTEGER PRIMARY KEY AUTOINCREMENT,
         PhoneNumber TEXT COLLATE NOCASE, CreateDate TEXT))",
-
-    // What the ticket window, the lists and the caller-ID lookups search by.
-    "CREATE INDEX idx_sale_customer ON Sale(CustomerID)",
-    "CREATE INDEX idx_sale_finish ON Sale(FinishFlag)",
-    "CREATE INDEX idx_saledetail_sale ON Sale_detail(SaleID)",
-    "CREATE INDEX idx_store_date ON Store(CreateDate)",
-    "CREATE INDEX idx_storedetail_store ON Store_detail(StoreID)",
-    "CREATE INDEX idx_storedetail_product ON Store_detail(ProductID)",
-    "CREATE INDEX idx_customer_address ON Customer(Address)",
-    "CREATE INDEX idx_customer_phone ON Customer(Phone)",
-    "CREATE INDEX idx_customer_account ON Customer(Account)",
-    "CREATE INDEX idx_call_phone ON Call(PhoneNumber)",
-    "CREATE INDEX idx_sysvalue_name ON SysValue(Name)",
 };
 
 // What the stock-take and the closing read on a shop of years: the open tickets up to a day
@@ -188,6 +176,12 @@ bool Database::create(QSqlDatabase db, QString *error)
         }
     } else {
         for (const char *statement : Schema) {
+            if (!run(db, QString::fromUtf8(statement), error)) {
+                db.rollback();
+                return false;
+            }
+        }
+        for (const char *statement : SearchIndexes) {
             if (!run(db, QString::fromUtf8(statement), error)) {
                 db.rollback();
                 return false;

@@ -1,0 +1,16 @@
+#pragma once
+
+// What the ticket window, the lists and the caller-ID lookups search by, on either engine.
+inline constexpr const char *SearchIndexes[] = {
+    "CREATE INDEX idx_sale_customer ON Sale(CustomerID)",
+    "CREATE INDEX idx_sale_finish ON Sale(FinishFlag)",
+    "CREATE INDEX idx_saledetail_sale ON Sale_detail(SaleID)",
+    "CREATE INDEX idx_store_date ON Store(CreateDate)",
+    "CREATE INDEX idx_storedetail_store ON Store_detail(StoreID)",
+    "CREATE INDEX idx_storedetail_product ON Store_detail(ProductID)",
+    "CREATE INDEX idx_customer_address ON Customer(Address)",
+    "CREATE INDEX idx_customer_phone ON Customer(Phone)",
+    "CREATE INDEX idx_customer_account ON Customer(Account)",
+    "CREATE INDEX idx_call_phone ON Call(PhoneNumber)",
+    "CREATE INDEX idx_sysvalue_name ON SysValue(Name)",
+};
