@@ -1,9 +1,34 @@
 #include "Recordset.h"
 
+#include "Gateway.h"
+
 #include "platform/VbError.h"
 
+#include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlField>
 #include <QSqlQuery>
+
+namespace {
+// The statement with its placeholders replaced by the values in the engine's own notation,
+// as a recorder of the statements is told it.
+QString withValues(const QString &statement, const QVariantList &values, const QSqlDatabase &db)
+{
+    QString text;
+    qsizetype next = 0;
+    for (const QChar c : statement) {
+        if (c != QLatin1Char('?') || next >= values.size()) {
+            text.append(c);
+            continue;
+        }
+        const QVariant &value = values[next++];
+        QSqlField field(QString(), value.metaType());
+        field.setValue(value);
+        text.append(db.driver()->formatValue(field));
+    }
+    return text;
+}
+}
 
 Recordset::Recordset(QStringList fields, QVector<Row> rows, QString table, QSqlDatabase db)
     : m_data(std::make_shared<Data>(Data{std::move(fields), std::move(rows), std::move(table), db}))
@@ -202,11 +227,15 @@ bool Recordset::update()
         }
     }
     QSqlQuery q(m_data->db);
-    q.prepare(QStringLiteral("UPDATE %1 SET %2 WHERE %3")
-                  .arg(m_data->table, sets.join(QLatin1Char(',')), where.join(QStringLiteral(" AND "))));
+    const QString statement = QStringLiteral("UPDATE %1 SET %2 WHERE %3")
+                                  .arg(m_data->table, sets.join(QLatin1Char(',')), where.join(QStringLiteral(" AND ")));
+    if (const Gateway::StatementObserver observer = Gateway::statementObserver())
+        observer(withValues(statement, values, m_data->db));
+    q.prepare(statement);
     for (const QVariant &v : values)
         q.addBindValue(v);
-    if (!q.exec()) {
+    const bool ok = q.exec();
+    if (!ok) {
         m_lastError = q.lastError().text();
         return false;
     }
