@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 PACKAGES=(qt6-base-dev libqt6opengl6-dev libgl-dev qt6-charts-dev qt6-serialport-dev
           libqt6sql6-sqlite libqt6sql6-psql qt6-image-formats-plugins cmake ninja-build g++ ccache
           fonts-wqy-zenhei fonts-arphic-uming poppler-utils xvfb xauth x11-utils imagemagick
-          adwaita-icon-theme qt6-translations-l10n libsqlite3-dev)
+          adwaita-icon-theme qt6-translations-l10n libsqlite3-dev libpq-dev)
 # The tests also start a PostgreSQL server of their own.
 if [ "${1:-}" = "--with-server" ]; then
   PACKAGES+=(postgresql postgresql-contrib)

@@ -229,6 +229,13 @@ void dropConnection(QSqlDatabase &db)
 bool Database::openServer(const Server &server, QString *error)
 {
     close();
+#ifdef Q_OS_LINUX
+    // The server hands every date over as a date, which the driver makes a local time: with no
+    // TZ the C library reads /etc/localtime again for each one, a third of a customer list's
+    // reading. Named once, the zone file is read once; the zone stays the machine's own.
+    if (qEnvironmentVariableIsEmpty("TZ") && QFileInfo::exists(QStringLiteral("/etc/localtime")))
+        qputenv("TZ", ":/etc/localtime");
+#endif
     auto fail = [&](QSqlDatabase &db, const QString &why) {
         if (error)
             *error = QStringLiteral("无法使用数据库服务器 %1：%2").arg(server.name(), why.trimmed());

@@ -25,6 +25,14 @@ const QString UpdateFailed = QStringLiteral("更新数据库时出现系统错�
 const QString ReadFailed = QStringLiteral("读取数据库时出现系统错误，错误信息：");
 
 SalePrinter g_salePrinter;
+Gateway::StatementObserver g_observer = nullptr;
+
+bool execute(QSqlQuery &q, const QString &statement)
+{
+    if (g_observer)
+        g_observer(statement);
+    return q.exec(statement);
+}
 
 bool isPlainNumber(const QString &text)
 {
@@ -67,7 +75,7 @@ QString described(const QSqlError &e)
 bool runOnConnection(const QString &statement, QSqlError *failure = nullptr)
 {
     QSqlQuery q(Database::connection());
-    if (q.exec(statement))
+    if (execute(q, statement))
         return true;
     if (failure)
         *failure = q.lastError();
@@ -81,8 +89,8 @@ bool execStatement(QSqlQuery &q, const QString &engineSql)
 {
     const bool guarded = Conn.inTransaction() && Database::target() == JetDialect::Target::PostgreSQL;
     if (guarded && !runOnConnection(QStringLiteral("SAVEPOINT statement")))
-        return q.exec(engineSql);
-    const bool ok = q.exec(engineSql);
+        return execute(q, engineSql);
+    const bool ok = execute(q, engineSql);
     if (guarded)
         runOnConnection(ok ? QStringLiteral("RELEASE SAVEPOINT statement") : QStringLiteral("ROLLBACK TO SAVEPOINT statement"));
     return ok;
@@ -112,8 +120,11 @@ RecordsetPtr snapshot(const QString &engineSql, QString *error)
 {
     // Large lists read straight from the embedded engine; a failure takes the driver's road
     // below, which reports it.
-    if (RecordsetPtr rs = SqliteSnapshot::open(Database::connection(), engineSql, singleTable(engineSql)))
+    if (RecordsetPtr rs = SqliteSnapshot::open(Database::connection(), engineSql, singleTable(engineSql))) {
+        if (g_observer)
+            g_observer(engineSql);
         return rs;
+    }
     QSqlQuery q(Database::connection());
     // Read forward only, the server would hand the rows over one by one, and the savepoint
     // released after the statement would discard those not yet read.
@@ -136,6 +147,10 @@ RecordsetPtr snapshot(const QString &engineSql, QString *error)
     return std::make_shared<Recordset>(fields, std::move(rows), singleTable(engineSql), Database::connection());
 }
 }
+
+void Gateway::setStatementObserver(StatementObserver observer) { g_observer = observer; }
+
+Gateway::StatementObserver Gateway::statementObserver() { return g_observer; }
 
 bool Gateway::prepareStatement(const QString &sql, QString *engineSql, QString *error)
 {

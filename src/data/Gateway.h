@@ -83,4 +83,12 @@ namespace Gateway {
 // translated. False with the engine-style description when a typed value would change
 // the statement's meaning.
 bool prepareStatement(const QString &sql, QString *engineSql, QString *error);
+
+// Told each statement these routines hand the engine, as the engine gets it: what
+// ExecuteSql and OpenRecordset run, the transaction's own statements (the server's
+// savepoints among them) and a snapshot's row written back, with its values in place. The
+// benchmark replays them on the client library alone; the program sets none.
+using StatementObserver = void (*)(const QString &engineSql);
+void setStatementObserver(StatementObserver observer);
+StatementObserver statementObserver();
 }

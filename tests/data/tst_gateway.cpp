@@ -144,6 +144,31 @@ private slots:
         QVERIFY(next.begun());
         QVERIFY(next.commit());
     }
+
+    // What the benchmark replays on the engine alone: every statement in the order the engine
+    // got it, the transaction's own and a row written back with its values in place.
+    void observerHearsEveryStatement()
+    {
+        static QStringList heard;
+        heard.clear();
+        QVERIFY(db->exec("INSERT INTO Customer(Account,Address,Phone,Status) VALUES(7,'Main Street 5','1','1')"));
+        Gateway::setStatementObserver([](const QString &sql) { heard << sql; });
+        {
+            Transaction tx(Conn);
+            RecordsetPtr rs = OpenRecordset("select * from Customer where Account=7");
+            QVERIFY(rs && !rs->eof());
+            rs->setField("Phone", "0571-'5'");
+            QVERIFY(rs->update());
+            QVERIFY(ExecuteSql("update Customer set Status='0' where Account=7"));
+            QVERIFY(tx.commit());
+        }
+        Gateway::setStatementObserver(nullptr);
+        QVERIFY(ExecuteSql("update Customer set Status='1' where Account=7"));
+        QCOMPARE(heard, (QStringList{"BEGIN IMMEDIATE", "select * from Customer where Account=7",
+                                     "UPDATE Customer SET Phone='0571-''5''' WHERE ID=1",
+                                     "update Customer set Status='0' where Account=7", "COMMIT"}));
+        QCOMPARE(db->scalar("SELECT Phone FROM Customer WHERE Account=7").toString(), QStringLiteral("0571-'5'"));
+    }
 };
 
 QTEST_MAIN(TestGateway)

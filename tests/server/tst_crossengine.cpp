@@ -234,6 +234,18 @@ const QList<Step> &steps()
              const QStringList written{rs->update() ? "ok" : rs->lastError()};
              return written + select("select * from Customer where ID=5");
          }},
+        // The server gets the values written into the statement: a quote, a date and no value
+        // must arrive as they are.
+        {"a snapshot written back with a quote, a date and no value", [] {
+             RecordsetPtr rs = OpenRecordset("select * from Customer where ID=4");
+             if (!rs || rs->eof())
+                 return QStringList{"failed"};
+             rs->setField("Detail", "O'Neil's 'corner'");
+             rs->setField("CreateDate", "2026-03-01");
+             rs->setField("Name", QVariant());
+             const QStringList written{rs->update() ? "ok" : rs->lastError()};
+             return written + select("select * from Customer where ID=4");
+         }},
         {"a setting written and read", [] {
              SetSysValue("ReportTitle", "本月");
              SetSysValue("reporttitle", "本年");

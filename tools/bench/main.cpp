@@ -19,6 +19,7 @@
 #include "shell/Shell.h"
 
 #include "KillSoak.h"
+#include "ServerBench.h"
 #include "TicketSaver.h"
 
 #include <QApplication>
@@ -215,7 +216,11 @@ int main(int argc, char **argv)
                              QStringLiteral("200"));
     QCommandLineOption saver(QStringLiteral("save-tickets"),
                              QStringLiteral("save tickets into the file until killed (the soak's saver)"), QStringLiteral("file"));
-    parser.addOptions({days, perDay, stuck, customers, seed, runs, soak, kills, saver});
+    QCommandLineOption server(QStringLiteral("server"),
+                              QStringLiteral("also move the shop up into the empty database this connection file names "
+                                             "and time the same work there"),
+                              QStringLiteral("Tarvik-server.ini"));
+    parser.addOptions({days, perDay, stuck, customers, seed, runs, soak, kills, saver, server});
     parser.process(app);
     if (parser.isSet(saver))
         return TicketSaver::run(parser.value(saver), 0, QStringLiteral("S%1").arg(QCoreApplication::applicationPid()));
@@ -474,5 +479,7 @@ int main(int argc, char **argv)
             QFile::remove(made + QLatin1String(suffix));
     Prompter::install(nullptr);
     printTable(rows, QStringLiteral("%1 runs each (closing: %2) on %3").arg(n).arg(qMin(n, 3)).arg(QFileInfo(file).fileName()));
+    if (parser.isSet(server))
+        return ServerBench::run({file, parser.value(server), n, size.ticketsPerDay}, out);
     return 0;
 }
