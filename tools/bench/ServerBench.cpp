@@ -1,5 +1,6 @@
 #include "ServerBench.h"
 
+#include "EverydayWork.h"
 #include "PgClient.h"
 #include "ShopMover.h"
 
@@ -10,18 +11,11 @@
 #include "platform/Forms.h"
 #include "platform/Prompter.h"
 #include "report/PeriodClosing.h"
-#include "report/ReportQuery.h"
-#include "report/TodayReportGenerator.h"
-#include "sale/frmSale.h"
 
 #include <QSqlDriver>
-#include <QApplication>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTableView>
-#include <QTest>
 #include <algorithm>
 #include <ctime>
 #include <functional>
@@ -366,96 +360,9 @@ bool Bench::everydayWork()
             true);
     Forms::unload(QStringLiteral("frmLogin"));
 
-    QWidget *list = Forms::get(QStringLiteral("frmSaleAdmin"));
-    list->resize(1200, 700);
-    list->show();
-    measure(QStringLiteral("sale list refresh with its footers"), 20, [] {},
-            [&] {
-                QMetaObject::invokeMethod(list, "DataRefresh");
-                QCoreApplication::processEvents();
-            });
-    Forms::unload(list);
-
-    auto *sale = Forms::get<frmSale>(QStringLiteral("frmSale"));
-    auto field = [&](const char *name) { return sale->findChild<QLineEdit *>(QLatin1String(name)); };
-    auto openTicket = [&] {
-        sale = Forms::get<frmSale>(QStringLiteral("frmSale"));
-        sale->setProperty("mActionType", 1);
-        sale->setProperty("mCurID", 0);
-        sale->show();
-        QCoreApplication::processEvents();
-    };
-    openTicket();
-    const QString street = QStringLiteral("人民路");
-    for (int chars = 1; chars <= 3; ++chars) {
-        measure(QStringLiteral("address search, keystroke %1 (\"%2\")").arg(chars).arg(street.left(chars)), 20,
-                [&] {
-                    sale->setProperty("InputReady", 1);
-                    field("txtCustAddress")->setText(street.left(chars - 1));
-                },
-                [&] {
-                    field("txtCustAddress")->setText(street.left(chars));
-                    QCoreApplication::processEvents();
-                });
-    }
-    measure(QStringLiteral("customer lookup by account, with history"), 20,
-            [&] { field("txtCustAccount")->setText(QStringLiteral("12345")); }, [&] { sale->GetCustomerInfo(0); });
-    measure(QStringLiteral("customer lookup by phone, with history"), 20,
-            [&] { field("txtCustPhone")->setText(QStringLiteral("55012346")); }, [&] { sale->GetCustomerInfo(1); });
-    Forms::unload(sale);
-
-    measure(QStringLiteral("ticket save (new ticket, 2 goods)"), 20,
-            [&] {
-                openTicket();
-                QLineEdit *address = field("txtCustAddress");
-                address->setFocus();
-                address->setText(QStringLiteral("人民路3号"));
-                QTest::keyClick(address, Qt::Key_Return);
-                auto *grid = sale->findChild<QTableView *>(QStringLiteral("dbgDetail"));
-                for (int row = 0; row < 2; ++row) {
-                    for (const auto &[column, value] :
-                         {std::pair{0, QString::number(row + 1)}, std::pair{4, QStringLiteral("2")}}) {
-                        const QModelIndex cell = grid->model()->index(row, column);
-                        grid->setFocus();
-                        grid->setCurrentIndex(cell);
-                        grid->edit(cell);
-                        QWidget *editor = QApplication::focusWidget();
-                        if (auto *line = qobject_cast<QLineEdit *>(editor))
-                            line->selectAll();
-                        QTest::keyClicks(editor, value);
-                        QTest::keyClick(editor, Qt::Key_Return);
-                        QCoreApplication::processEvents();
-                    }
-                }
-            },
-            [&] {
-                sale->findChild<QPushButton *>(QStringLiteral("btnSave"))->click();
-                QCoreApplication::processEvents();
-            });
-    if (QWidget *w = Forms::loaded(QStringLiteral("frmSale")))
-        Forms::unload(w);
-
-    measure(QStringLiteral("stock-take of a day"), 150, [] {},
-            [&] {
-                TodayReportGenerator generator;
-                generator.ReportDate = m_last;
-                generator.GetTodayReport();
-            });
-    struct Kind {
-        qint32 type;
-        QDate start;
-        QString what;
-    };
-    const QList<Kind> kinds = {
-        {3, m_last.addYears(-1), QStringLiteral("month report over a year")},
-        {0, m_last.addMonths(-1), QStringLiteral("day report over a month")},
-        {4, m_last.addYears(-1), QStringLiteral("customer month report over a year")},
-        {5, m_last.addYears(-1), QStringLiteral("worker month report over a year")},
-    };
-    for (const Kind &k : kinds) {
-        const ReportQuery query(k.type, k.start, m_last, 1);
-        measure(k.what, 100, [] {}, [&] { OpenRecordset(query.fullSql()); });
-    }
+    EverydayWork::run([&](const QString &what, double target, const std::function<void()> &prepare,
+                          const std::function<void()> &work) { measure(what, target, prepare, work); },
+                      m_last);
     m_raw.disconnect();
     Database::close();
     return true;

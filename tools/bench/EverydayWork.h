@@ -1,0 +1,15 @@
+#pragma once
+#include <QDate>
+#include <QString>
+#include <functional>
+
+// The everyday work the bench times, the same on the file and on a server, driven through
+// the program's windows and classes: the sale list, the address search keystroke by
+// keystroke, the customer lookups, a ticket save, the stock-take and the period reports of
+// the year up to the shop's last day. Each operation goes to measure with its name, its
+// target in ms, an untimed preparation and the timed work.
+namespace EverydayWork {
+using Measure = std::function<void(const QString &what, double target, const std::function<void()> &prepare,
+                                   const std::function<void()> &work)>;
+void run(const Measure &measure, const QDate &last);
+}
