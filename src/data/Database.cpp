@@ -1,6 +1,6 @@
 #include "Database.h"
 
-#include "SchemaIndexes.h"
+#include "SchemaSteps.h"
 #include "ServerEngine.h"
 
 #include <QCoreApplication>
@@ -86,16 +86,6 @@ const char *const ReportIndexes[] = {
     "CREATE INDEX IF NOT EXISTS idx_report_store_open ON Store(FinishFlag) WHERE FinishFlag IS NOT '1'",
 };
 
-bool run(QSqlDatabase &db, const QString &sql, QString *error)
-{
-    QSqlQuery q(db);
-    if (q.exec(sql))
-        return true;
-    if (error)
-        *error = q.lastError().text();
-    return false;
-}
-
 // The planner picks the customer and date indexes from these statistics, so they must follow
 // the shop as it grows: a table whose rows have more than doubled since they were gathered
 // (or that never had any) is measured again, on a bounded sample so that a start stays quick.
@@ -133,9 +123,9 @@ bool hasTables(QSqlDatabase &db) { return db.tables().contains(QStringLiteral("S
 void prepareForReports(QSqlDatabase &db)
 {
     QString ignored;
-    run(db, QStringLiteral("PRAGMA mmap_size=1073741824"), &ignored);
+    runStatement(db, QStringLiteral("PRAGMA mmap_size=1073741824"), &ignored);
     for (const char *statement : ReportIndexes)
-        run(db, QString::fromUtf8(statement), &ignored);
+        runStatement(db, QString::fromUtf8(statement), &ignored);
 }
 }
 
@@ -169,31 +159,9 @@ bool Database::create(QSqlDatabase db, QString *error)
             *error = db.lastError().text();
         return false;
     }
-    if (server) {
-        if (!ServerEngine::create(db, error)) {
-            db.rollback();
-            return false;
-        }
-    } else {
-        for (const char *statement : Schema) {
-            if (!run(db, QString::fromUtf8(statement), error)) {
-                db.rollback();
-                return false;
-            }
-        }
-        for (const char *statement : SearchIndexes) {
-            if (!run(db, QString::fromUtf8(statement), error)) {
-                db.rollback();
-                return false;
-            }
-        }
-        for (const char *statement : ReportIndexes) {
-            if (!run(db, QString::fromUtf8(statement), error)) {
-                db.rollback();
-                return false;
-            }
-        }
-    }
+    bool ok = server ? ServerEngine::create(db, error)
+                     : runEach(db, Schema, error) && runEach(db, SearchIndexes, error)
+                           && runEach(db, ReportIndexes, error);
     const QStringList rows = {
         QStringLiteral("INSERT INTO Station(ID,Name,Status) VALUES(1,'总站','1')"),
         QStringLiteral("INSERT INTO SysUser(Name,Pwd,rolestring,Detail,Status,StationID) "
@@ -203,14 +171,11 @@ bool Database::create(QSqlDatabase db, QString *error)
         QStringLiteral("INSERT INTO SysValue(Name,myValue) VALUES('AutoDataRefresh','1')"),
         QStringLiteral("INSERT INTO SysValue(Name,myValue) VALUES('SearchAddress','1')"),
     };
-    for (const QString &statement : rows) {
-        if (!run(db, statement, error)) {
-            db.rollback();
-            return false;
-        }
-    }
+    for (const QString &statement : rows)
+        ok = ok && runStatement(db, statement, error);
     // The station was written with its key: the server's next key must pass it.
-    if (server && !ServerEngine::syncKeys(db, error)) {
+    ok = ok && (!server || ServerEngine::syncKeys(db, error));
+    if (!ok) {
         db.rollback();
         return false;
     }
@@ -259,8 +224,8 @@ bool Database::openServer(const Server &server, QString *error)
     QString failure;
     // A write waits for another workstation's as long as on the file, then fails with the
     // busy message rather than hang.
-    bool ok = run(db, QStringLiteral("SET lock_timeout = %1").arg(g_busyTimeout), &failure)
-              && run(db, QStringLiteral("SET client_min_messages = warning"), &failure);
+    bool ok = runStatement(db, QStringLiteral("SET lock_timeout = %1").arg(g_busyTimeout), &failure)
+              && runStatement(db, QStringLiteral("SET client_min_messages = warning"), &failure);
     if (ok && !hasTables(db))
         ok = create(db, &failure);
     if (!ok)
@@ -336,7 +301,7 @@ bool Database::open(const QString &path, QString *error)
         failure = meaning.isEmpty() ? first.lastError().text() : meaning;
     }
     first.finish();
-    ok = ok && run(db, QStringLiteral("PRAGMA foreign_keys=OFF"), &failure);
+    ok = ok && runStatement(db, QStringLiteral("PRAGMA foreign_keys=OFF"), &failure);
     if (ok && !hasTables(db))
         ok = create(db, &failure);
     if (ok) {

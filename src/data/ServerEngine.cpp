@@ -1,7 +1,7 @@
 #include "ServerEngine.h"
 
 #include "Database.h"
-#include "SchemaIndexes.h"
+#include "SchemaSteps.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -73,15 +73,6 @@ const char *const Schema[] = {
 
 const char *const KeyedTables[] = {"Sale", "Store", "Customer", "Product", "Sender", "Station", "SysUser", "Call"};
 
-bool run(QSqlDatabase &db, const QString &sql, QString *error)
-{
-    QSqlQuery q(db);
-    if (q.exec(sql))
-        return true;
-    if (error)
-        *error = q.lastError().text();
-    return false;
-}
 }
 
 bool ServerEngine::isServer(const QSqlDatabase &db) { return db.driverName() == QLatin1String(Driver); }
@@ -89,7 +80,7 @@ bool ServerEngine::isServer(const QSqlDatabase &db) { return db.driverName() == 
 bool ServerEngine::create(QSqlDatabase &db, QString *error)
 {
     for (const char *statement : Schema) {
-        if (!run(db, QString::fromUtf8(statement), error)) {
+        if (!runStatement(db, QString::fromUtf8(statement), error)) {
             if (error && qstrcmp(statement, Schema[0]) == 0)
                 *error = QStringLiteral("服务器上没有 citext 扩展，或这个用户不能建立它（%1）。请在服务器上安装 "
                                         "postgresql-contrib，并让数据库的所有者连接本程序。")
@@ -97,10 +88,7 @@ bool ServerEngine::create(QSqlDatabase &db, QString *error)
             return false;
         }
     }
-    for (const char *statement : SearchIndexes)
-        if (!run(db, QString::fromUtf8(statement), error))
-            return false;
-    return true;
+    return runEach(db, SearchIndexes, error);
 }
 
 bool ServerEngine::syncKeys(QSqlDatabase &db, QString *error)
@@ -109,7 +97,7 @@ bool ServerEngine::syncKeys(QSqlDatabase &db, QString *error)
         const QString sql = QStringLiteral("SELECT setval(pg_get_serial_sequence('%1','id'), COALESCE(max(ID),1), "
                                            "max(ID) IS NOT NULL) FROM %1")
                                 .arg(QString::fromLatin1(table).toLower());
-        if (!run(db, sql, error))
+        if (!runStatement(db, sql, error))
             return false;
     }
     return true;
