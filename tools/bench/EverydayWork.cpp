@@ -1,6 +1,8 @@
 #include "EverydayWork.h"
 
+#include "data/Database.h"
 #include "data/Gateway.h"
+#include "data/Session.h"
 #include "platform/Forms.h"
 #include "report/ReportQuery.h"
 #include "report/TodayReportGenerator.h"
@@ -106,4 +108,17 @@ void EverydayWork::run(const Measure &measure, const QDate &last)
         const ReportQuery query(k.type, k.start, last, 1);
         measure(k.what, 100, [] {}, [&] { OpenRecordset(query.fullSql()); });
     }
+}
+
+void EverydayWork::startUp(const Measure &measure, const std::function<void()> &open)
+{
+    measure(QStringLiteral("start up to the login window"), 400, [] { Forms::unload(QStringLiteral("frmLogin")); },
+            [&] {
+                Database::close();
+                open();
+                Session::CompanyName = GetSysValue(QStringLiteral("CompanyName"));
+                Forms::get(QStringLiteral("frmLogin"))->show();
+                QCoreApplication::processEvents();
+            });
+    Forms::unload(QStringLiteral("frmLogin"));
 }

@@ -12,4 +12,7 @@ namespace EverydayWork {
 using Measure = std::function<void(const QString &what, double target, const std::function<void()> &prepare,
                                    const std::function<void()> &work)>;
 void run(const Measure &measure, const QDate &last);
+// Start to the login window: the shop opened again by open (the splash's two seconds aside),
+// the company name read, the login window shown.
+void startUp(const Measure &measure, const std::function<void()> &open);
 }

@@ -8,7 +8,6 @@
 #include "data/Gateway.h"
 #include "data/Session.h"
 #include "platform/Clock.h"
-#include "platform/Forms.h"
 #include "platform/Prompter.h"
 #include "report/PeriodClosing.h"
 
@@ -345,20 +344,18 @@ bool Bench::everydayWork()
     if (!m_raw.connect(server))
         return fail(QStringLiteral("cannot reach the server: ") + m_raw.error());
 
-    measure(QStringLiteral("start up to the login window"), 400, [] { Forms::unload(QStringLiteral("frmLogin")); },
-            [&] {
-                Database::close();
-                QString why;
-                if (!Database::openServer(server, &why))
-                    out << "  cannot open: " << why << Qt::endl;
-                Session::CompanyName = GetSysValue(QStringLiteral("CompanyName"));
-                Forms::get(QStringLiteral("frmLogin"))->show();
-                QCoreApplication::processEvents();
-            },
-            QStringLiteral("the opening's own statements are not recorded: the client library connects and runs the "
-                           "company name's read"),
-            true);
-    Forms::unload(QStringLiteral("frmLogin"));
+    EverydayWork::startUp(
+        [&](const QString &what, double target, const std::function<void()> &prepare, const std::function<void()> &work) {
+            measure(what, target, prepare, work,
+                    QStringLiteral("the opening's own statements are not recorded: the client library connects and "
+                                   "runs the company name's read"),
+                    true);
+        },
+        [&] {
+            QString why;
+            if (!Database::openServer(server, &why))
+                out << "  cannot open: " << why << Qt::endl;
+        });
 
     EverydayWork::run([&](const QString &what, double target, const std::function<void()> &prepare,
                           const std::function<void()> &work) { measure(what, target, prepare, work); },

@@ -9,7 +9,6 @@
 #include "data/Gateway.h"
 #include "data/Session.h"
 #include "platform/Clock.h"
-#include "platform/Forms.h"
 #include "platform/Prompter.h"
 #include "report/PeriodClosing.h"
 #include "report/ShopGenerator.h"
@@ -320,20 +319,18 @@ int main(int argc, char **argv)
         rows << r;
     };
 
-    measure(QStringLiteral("start up to the login window"), 400, [] { Forms::unload(QStringLiteral("frmLogin")); },
-            [&] {
-                Database::close();
-                if (!Database::open(copy, &error))
-                    die(QStringLiteral("cannot open: ") + error);
-                watch(engineOf(Database::connection()));
-                Session::CompanyName = GetSysValue(QStringLiteral("CompanyName"));
-                Forms::get(QStringLiteral("frmLogin"))->show();
-                QCoreApplication::processEvents();
-            },
-            QStringLiteral("the splash's two seconds aside; the opening's own statements are not traced, so the engine "
-                           "alone opens the file and runs only the company name's read"),
-            true);
-    Forms::unload(QStringLiteral("frmLogin"));
+    EverydayWork::startUp(
+        [&](const QString &what, double target, const std::function<void()> &prepare, const std::function<void()> &work) {
+            measure(what, target, prepare, work,
+                    QStringLiteral("the splash's two seconds aside; the opening's own statements are not traced, so the "
+                                   "engine alone opens the file and runs only the company name's read"),
+                    true);
+        },
+        [&] {
+            if (!Database::open(copy, &error))
+                die(QStringLiteral("cannot open: ") + error);
+            watch(engineOf(Database::connection()));
+        });
 
     EverydayWork::run([&](const QString &what, double target, const std::function<void()> &prepare,
                           const std::function<void()> &work) { measure(what, target, prepare, work); },
