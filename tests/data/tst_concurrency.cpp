@@ -1,12 +1,12 @@
 // Two workstations on one file: their saves wait for each other and all arrive once; a save
 // that cannot get the file in time says that another workstation is writing.
-#include "support/TestDb.h"
 #include "support/ScriptedPrompter.h"
+#include "support/TestDb.h"
+#include "support/TicketSavers.h"
 
 #include "data/Database.h"
 #include "data/Gateway.h"
 
-#include <QProcess>
 #include <QSqlQuery>
 #include <QSet>
 #include <QtTest>
@@ -22,18 +22,10 @@ private slots:
         const QString file = db.path();
         Database::close();
         const int each = 150;
-        QProcess a, b;
-        for (auto [p, tag] : {std::pair{&a, "A"}, std::pair{&b, "B"}})
-            p->start(QStringLiteral(TICKET_SAVER), {file, QString::number(each), QLatin1String(tag)});
-        for (QProcess *p : {&a, &b}) {
-            QVERIFY(p->waitForFinished(120000));
-            QVERIFY2(p->exitCode() == 0, p->readAllStandardError().constData());
-        }
-        QSet<QString> reported;
-        for (QProcess *p : {&a, &b})
-            for (const QByteArray &line : p->readAllStandardOutput().split('\n'))
-                if (line.startsWith("saved "))
-                    reported << QString::fromUtf8(line.mid(6));
+        TicketSavers savers(QStringLiteral(TICKET_SAVER), file, each);
+        QString why;
+        QVERIFY2(savers.finished(120000, &why), qPrintable(why));
+        const QSet<QString> reported = savers.reported();
         QCOMPARE(reported.size(), 2 * each); // distinct numbers: no ticket read back another's number
 
         QString error;

@@ -51,6 +51,18 @@ public:
     QString error() const { return m_error; }
     const Database::Server &server() const { return m_server; }
 
+    // A second connection of the test's own (not yet open) to a server's database.
+    static QSqlDatabase connection(const QString &name, const Database::Server &server)
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+        db.setHostName(server.host);
+        db.setPort(server.port);
+        db.setDatabaseName(server.database);
+        db.setUserName(server.user);
+        db.setPassword(server.password);
+        return db;
+    }
+
     // A connection file naming this database, for programs started by the test.
     bool writeConnectionFile(const QString &path) const
     {
@@ -71,12 +83,9 @@ private:
         const QString name = QStringLiteral("tarvik-test-maintenance");
         bool ok = false;
         {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
-            db.setHostName(m_server.host);
-            db.setPort(m_server.port);
-            db.setDatabaseName(QStringLiteral("postgres"));
-            db.setUserName(m_server.user);
-            db.setPassword(m_server.password);
+            Database::Server admin = m_server;
+            admin.database = QStringLiteral("postgres");
+            QSqlDatabase db = connection(name, admin);
             if (db.open()) {
                 QSqlQuery q(db);
                 ok = q.exec(sql);

@@ -3,10 +3,10 @@
 // given back; a save that waits too long says that another workstation is writing.
 #include "ServerDb.h"
 #include "support/ScriptedPrompter.h"
+#include "support/TicketSavers.h"
 
 #include "report/PeriodClosing.h"
 
-#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -32,17 +32,15 @@ private slots:
         QVERIFY(db.writeConnectionFile(file));
 
         const int each = 150;
-        QProcess a, b;
-        for (auto [p, tag] : {std::pair{&a, "A"}, std::pair{&b, "B"}})
-            p->start(QStringLiteral(TICKET_SAVER), {file, QString::number(each), QLatin1String(tag)});
-        QVERIFY(a.waitForStarted() && b.waitForStarted());
+        TicketSavers savers(QStringLiteral(TICKET_SAVER), file, each);
+        QVERIFY(savers.started());
         // Meanwhile this workstation collects the money of every open ticket, then closes
         // yesterday.
         int operations = 0;
         std::optional<int> closed;
         {
             YesPrompter prompts;
-            while (a.state() == QProcess::Running && operations < 50) {
+            while (savers.running() && operations < 50) {
                 QVERIFY(ExecuteSql("Update Sale set InMoney=TotalMoney where FinishFlag='0'"));
                 ++operations;
             }
@@ -50,15 +48,9 @@ private slots:
         }
         QCOMPARE(closed.value_or(-1), finished);
 
-        for (QProcess *p : {&a, &b}) {
-            QVERIFY(p->waitForFinished(180000));
-            QVERIFY2(p->exitCode() == 0, p->readAllStandardError().constData());
-        }
-        QSet<QString> reported;
-        for (QProcess *p : {&a, &b})
-            for (const QByteArray &line : p->readAllStandardOutput().split('\n'))
-                if (line.startsWith("saved "))
-                    reported << QString::fromUtf8(line.mid(6));
+        QString why;
+        QVERIFY2(savers.finished(180000, &why), qPrintable(why));
+        const QSet<QString> reported = savers.reported();
         QCOMPARE(reported.size(), 2 * each); // distinct numbers: no save read back another's number
 
         RecordsetPtr rs = OpenRecordset("select ID,Detail from Sale where FinishFlag='0' order by ID");
@@ -85,12 +77,7 @@ private slots:
         QVERIFY2(db.ok(), qPrintable(db.error()));
         const QString name = QStringLiteral("other-workstation");
         {
-            QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
-            other.setHostName(db.server().host);
-            other.setPort(db.server().port);
-            other.setDatabaseName(db.server().database);
-            other.setUserName(db.server().user);
-            other.setPassword(db.server().password);
+            QSqlDatabase other = ServerDb::connection(name, db.server());
             QVERIFY(other.open());
             QSqlQuery hold(other);
             QVERIFY(hold.exec("BEGIN"));
